@@ -1,0 +1,63 @@
+/*
+ * The workstation's own controls: what a test, the shell or a caller under development uses to set the simulated
+ * device up. Functions that return int answer 0, or non-zero with a sentence in qryhost_error().
+ */
+#ifndef QRYLIB_PLATFORM_HOST_QRYHOST_H
+#define QRYLIB_PLATFORM_HOST_QRYHOST_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Called for every trace line, one at a time. `text` is one formatted line, valid during the call. */
+typedef void (*qryhost_trace_sink)(void *context, uint32_t destination, uint32_t module, uint32_t level,
+                                   const char *text);
+
+/* Sends the traces to `sink`; null drops them. */
+void qryhost_set_trace_sink(qryhost_trace_sink sink, void *context);
+
+/* Memory-partition blocks now in use. */
+uint32_t qryhost_pool_blocks(void);
+
+/* The platform calls that can be made to fail, and are counted. */
+typedef enum {
+    QRYHOST_ALLOC,
+    QRYHOST_CREATE_MUTEX,
+    QRYHOST_REQUEST_MUTEX,
+    QRYHOST_LOCK_TASK,
+    QRYHOST_GET_TABLE,
+    QRYHOST_SET_TABLE,
+    QRYHOST_INIT_TABLE,
+    QRYHOST_GET_STATUS,
+    QRYHOST_CREATE_LIST,
+    QRYHOST_LIST_SET_POS,
+    QRYHOST_LIST_GET_VAL,
+    QRYHOST_SORT,
+    QRYHOST_CREATE_HANDLE,
+    QRYHOST_REGISTER_SERVICE,
+    QRYHOST_FILE_EXIST,
+    QRYHOST_FILE_MKDIR,
+    QRYHOST_FILE_REMOVE,
+    QRYHOST_FILE_OPEN,
+    QRYHOST_FILE_READ,
+    QRYHOST_FILE_WRITE,
+    QRYHOST_FILE_CLOSE,
+    QRYHOST_CALL_NUM
+} qryhost_call;
+
+/* Lets `skip` calls of this kind through and fails the next `times` with `code`. */
+void qryhost_fail(qryhost_call call, uint32_t skip, uint32_t times, uint32_t code);
+
+/* Ends every injected failure and sets the call counts to 0. */
+void qryhost_fail_clear(void);
+
+/* Calls of this kind since the last qryhost_fail_clear. */
+uint32_t qryhost_call_count(qryhost_call call);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

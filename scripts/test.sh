@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# Builds everything and runs all tests. Works from any folder; installs what is missing.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+scripts/install_packages.sh
+cmake --preset dev >/dev/null
+cmake --build --preset dev
+ctest --preset dev --parallel 2 "$@"

@@ -1,0 +1,33 @@
+// The functions behind the exported qry_lib_db_* calls. An exported call forwards its arguments unchanged to the
+// wrapper of the same name; the wrapper checks them and does the work. C linkage, not exported.
+#pragma once
+
+#include <qrylib/types.h>
+
+extern "C" {
+
+void qry_lib_db_wrapper_stmt_init(qry_lib_db_stmt_ *stmt);
+uint32_t qry_lib_db_wrapper_get_stmt(const char *db_name, qry_lib_db_stmt_ *stmt);
+void qry_lib_db_wrapper_stmt_set_table_name(qry_lib_db_stmt_ *stmt, const char *name);
+void qry_lib_db_wrapper_stmt_set_exec_type(qry_lib_db_stmt_ *stmt, QRY_LIB_DB_QUERY_TYPE type);
+void qry_lib_db_wrapper_stmt_set_col_num(qry_lib_db_stmt_ *stmt, int32_t col_num);
+
+// Creates the zero-filled column array on first use. 0, or 1 when there is no memory.
+uint32_t qry_lib_db_wrapper_stmt_set_alloc(qry_lib_db_stmt_ *stmt);
+
+void qry_lib_db_wrapper_stmt_set_col_name(qry_lib_db_stmt_ *stmt, int32_t index, const char *name);
+void qry_lib_db_wrapper_stmt_set_elem_as_int(qry_lib_db_stmt_ *stmt, int32_t index, int32_t value);
+void qry_lib_db_wrapper_stmt_set_elem_as_uchar(qry_lib_db_stmt_ *stmt, int32_t index, uint8_t value);
+void qry_lib_db_wrapper_stmt_set_elem_as_ushort(qry_lib_db_stmt_ *stmt, int32_t index, uint16_t value);
+void qry_lib_db_wrapper_stmt_set_elem_as_uint(qry_lib_db_stmt_ *stmt, int32_t index, uint32_t value);
+void qry_lib_db_wrapper_stmt_set_elem_as_ulong(qry_lib_db_stmt_ *stmt, int32_t index, uint32_t value);
+void qry_lib_db_wrapper_stmt_set_elem_as_str(qry_lib_db_stmt_ *stmt, int32_t index, const char *value);
+void qry_lib_db_wrapper_stmt_set_where_phrase(qry_lib_db_stmt_ *stmt, const char *text);
+void qry_lib_db_wrapper_stmt_set_where_equal_int(qry_lib_db_stmt_ *stmt, const char *col_name, int32_t value);
+void qry_lib_db_wrapper_stmt_set_where_equal_ulong(qry_lib_db_stmt_ *stmt, const char *col_name, uint32_t value);
+void qry_lib_db_wrapper_stmt_set_where_equal_str(qry_lib_db_stmt_ *stmt, const char *col_name, const char *value);
+void qry_lib_db_wrapper_stmt_set_orderby_phrase(qry_lib_db_stmt_ *stmt, const char *text);
+void qry_lib_db_wrapper_stmt_set_max_rows(qry_lib_db_stmt_ *stmt, uint32_t max_rows);
+void qry_lib_db_wrapper_stmt_term(qry_lib_db_stmt_ *stmt);
+
+} // extern "C"

@@ -1,0 +1,16 @@
+// The library's trace lines. A return trace is an interface: service people search logs for its numbers, so a
+// fixed point is a literal number at the place that detects the failure and stays when the file is edited.
+#pragma once
+
+#include <cstdint>
+
+namespace norvane {
+
+// Writes "function():[Return]:(line) (code)" and hands the code back.
+std::uint32_t trace_return(const char *function, int line, std::uint32_t code);
+
+// Write the entry and the exit line of a function that reports no code.
+void trace_enter(const char *function, int line);
+void trace_leave(const char *function, int line);
+
+} // namespace norvane
