@@ -29,15 +29,16 @@ uint32_t pfwOSWOrgFreeMemPart(uint32_t part, void *block);
  */
 uint32_t pfwOSWCreateMutexSem(uint32_t *mutex, uint32_t option, uint32_t count);
 
-/* Takes the mutex; `timeout` is always -1: wait without a time limit. The same thread never takes it twice. */
+/* Takes the mutex; `timeout` is always -1: wait without a time limit. The same thread never takes it twice.
+ */
 uint32_t pfwOSWRequestMutexSem(uint32_t mutex, int32_t timeout);
 
 /* Releases the mutex that the calling thread holds. */
 uint32_t pfwOSWReleaseMutexSem(uint32_t mutex);
 
 /*
- * Keeps the process's other threads from running library code between Lock and Unlock: held only while the one
- * mutex is created. A failing Lock is handed to the caller; Unlock then is not called.
+ * Keeps the process's other threads from running library code between Lock and Unlock: held only while the
+ * one mutex is created. A failing Lock is handed to the caller; Unlock then is not called.
  */
 uint32_t pfwOSWLockTask(void);
 uint32_t pfwOSWUnlockTask(void);

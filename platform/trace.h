@@ -9,8 +9,8 @@ extern "C" {
 #endif
 
 /*
- * Writes one line, formatted as printf does. The library always passes destination 0, module 258, level 2, and
- * one of three formats:
+ * Writes one line, formatted as printf does. The library always passes destination 0, module 258, level 2,
+ * and one of three formats:
  *
  *   "%s():[Return]:(%d) (0x%08lX)\n"   function, line, code as unsigned long
  *   "%s():[Enter]:(%d) \n"             function, line

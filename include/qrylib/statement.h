@@ -59,7 +59,8 @@ QRY_LIB_API void qry_lib_db_stmt_set_where_phrase(qry_lib_db_stmt_ *stmt, const 
  * fit 255 characters. An unsigned value of 2147483648 and above is written as its negative counterpart, which
  * compares alike. A null or empty string is refused.
  */
-QRY_LIB_API void qry_lib_db_stmt_set_where_equal_int(qry_lib_db_stmt_ *stmt, const char *col_name, int32_t value);
+QRY_LIB_API void qry_lib_db_stmt_set_where_equal_int(qry_lib_db_stmt_ *stmt, const char *col_name,
+                                                     int32_t value);
 QRY_LIB_API void qry_lib_db_stmt_set_where_equal_ulong(qry_lib_db_stmt_ *stmt, const char *col_name,
                                                        uint32_t value);
 QRY_LIB_API void qry_lib_db_stmt_set_where_equal_str(qry_lib_db_stmt_ *stmt, const char *col_name,

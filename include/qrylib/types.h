@@ -1,8 +1,8 @@
 /*
  * The records and enumerations that cross the library's boundary, and the names of the return codes.
  *
- * The records are plain: fixed-size character arrays, copied whole, no behaviour of their own. Their layout is
- * the same on every build but for the width of pointers. Numbers are in the machine's own byte order.
+ * The records are plain: fixed-size character arrays, copied whole, no behaviour of their own. Their layout
+ * is the same on every build but for the width of pointers. Numbers are in the machine's own byte order.
  */
 #ifndef QRYLIB_TYPES_H
 #define QRYLIB_TYPES_H
@@ -16,16 +16,16 @@ extern "C" {
 /* Return codes. Every code has a sentence in qry_lib_code_text() (version.h). */
 #define QRY_LIB_OK 0x0000u                 /* success */
 #define QRY_LIB_NO_MEMORY 0x0001u          /* the memory partition could not supply a block */
-#define QRY_LIB_BAD_PARAMETER 0x0102u      /* null argument, index or value out of range (vector, double count) */
+#define QRY_LIB_BAD_PARAMETER 0x0102u      /* null argument, index or value out of range */
 #define QRY_LIB_ROWSET_NOT_CREATED 0x2001u /* the result rowset could not be created */
 #define QRY_LIB_ROWSET_NOT_FILLED 0x2002u  /* a value could not be stored into the result rowset */
 #define QRY_LIB_TABLE_ARGUMENT 0x5241u     /* element tables: argument refused */
 #define QRY_LIB_TABLE_ACCESS 0x5243u       /* element tables: a search could not be carried out */
 #define QRY_LIB_NOT_ACCEPTED 0xDB00u       /* the SQL text or the statement could not be analysed */
-#define QRY_LIB_NO_SUCH_ITEM 0xDB02u       /* index beyond the end, column not found, no row matched an UPDATE */
-#define QRY_LIB_NO_FREE_ENTRY 0xDB04u      /* no unused id in the range, no free record for an INSERT */
-#define QRY_LIB_INVALID_ARGUMENT 0xDB05u   /* null or over-long argument, unknown database, table or column */
-#define QRY_LIB_FAILURE 0xFFFFu            /* a step that has no code of its own failed */
+#define QRY_LIB_NO_SUCH_ITEM 0xDB02u  /* index beyond the end, column not found, no row matched an UPDATE */
+#define QRY_LIB_NO_FREE_ENTRY 0xDB04u /* no unused id in the range, no free record for an INSERT */
+#define QRY_LIB_INVALID_ARGUMENT 0xDB05u /* null or over-long argument, unknown database, table or column */
+#define QRY_LIB_FAILURE 0xFFFFu          /* a step that has no code of its own failed */
 
 /* Capacities, in characters without the terminator. */
 #define QRY_LIB_COLUMN_NAME_MAX 31
@@ -83,8 +83,8 @@ QRY_LIB_ENUM(QRY_LIB_OPERATION_TYPE){
 QRY_LIB_ENUM(QRY_LIB_JOIN_TYPE){QRY_LIB_JOIN_TYPE_AND = 1, QRY_LIB_JOIN_TYPE_OR = 2};
 
 /* Sort direction. The spelling is part of the interface. */
-QRY_LIB_ENUM(QRY_LIB_ODER_TYPE){
-    QRY_LIB_ODER_TYPE_NOTHING = 0, QRY_LIB_ODER_TYPE_ASC = 1, QRY_LIB_ODER_TYPE_DESC = 2};
+QRY_LIB_ENUM(QRY_LIB_ODER_TYPE){QRY_LIB_ODER_TYPE_NOTHING = 0, QRY_LIB_ODER_TYPE_ASC = 1,
+                                QRY_LIB_ODER_TYPE_DESC = 2};
 
 /* A value. Every member starts at the first byte. */
 typedef union {
@@ -116,16 +116,17 @@ typedef struct {
  */
 typedef struct {
     QRY_LIB_DB_QUERY_TYPE exec_type;
-    char *table_name;     /* null until set; set once */
+    char *table_name;      /* null until set; set once */
     QRY_LIB_RECORD record; /* the columns to select, or the columns and values to write */
-    char *orderby_phrase; /* the sort phrase without its keywords, or null */
-    char *where_phrase;   /* the condition without its keyword, or null */
+    char *orderby_phrase;  /* the sort phrase without its keywords, or null */
+    char *where_phrase;    /* the condition without its keyword, or null */
     char db_name[QRY_LIB_DB_NAME_MAX + 1];
 } qry_lib_db_stmt_;
 
 /*
  * The rows of a result. The caller owns the record itself, zero-filled before its first use; the rows belong
- * to the rowset functions and go back with qry_lib_db_rowset_term(). Every row has the same number of columns.
+ * to the rowset functions and go back with qry_lib_db_rowset_term(). Every row has the same number of
+ * columns.
  */
 typedef struct {
     int32_t record_num;      /* rows; callers see the low 16 bits */

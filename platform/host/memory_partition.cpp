@@ -34,6 +34,8 @@ std::uint32_t pfwOSWOrgFreeMemPart(std::uint32_t, void *block) {
     return 0;
 }
 
-std::uint32_t qryhost_pool_blocks(void) { return blocks_in_use; }
+std::uint32_t qryhost_pool_blocks(void) {
+    return blocks_in_use;
+}
 
 } // extern "C"

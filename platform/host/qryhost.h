@@ -1,6 +1,6 @@
 /*
- * The workstation's own controls: what a test, the shell or a caller under development uses to set the simulated
- * device up. Functions that return int answer 0, or non-zero with a sentence in qryhost_error().
+ * The workstation's own controls: what a test, the shell or a caller under development uses to set the
+ * simulated device up. Functions that return int answer 0, or non-zero with a sentence in qryhost_error().
  */
 #ifndef QRYLIB_PLATFORM_HOST_QRYHOST_H
 #define QRYLIB_PLATFORM_HOST_QRYHOST_H
@@ -10,6 +10,29 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/*
+ * Opens the element store: null for private memory (what every process has until it asks for more), or the
+ * path of a device image that several processes share. Records that the store held before are dropped. Must
+ * not run beside other platform calls.
+ */
+int qryhost_open(const char *image_path);
+
+/* Closes the store; the next platform call opens the default one afresh. */
+int qryhost_close(void);
+
+/* Puts every record, default record and setting back to its initial value: zeros. */
+int qryhost_reset(void);
+
+/*
+ * Replaces records, default records and settings by those of a JSON file, or by nothing at all when the file
+ * is refused. Saving writes a temporary file beside the target, syncs it and renames it.
+ */
+int qryhost_load(const char *json_path);
+int qryhost_save(const char *json_path);
+
+/* Why the calling thread's last control call failed, in one sentence; "" when it did not. Never null. */
+const char *qryhost_error(void);
 
 /* Called for every trace line, one at a time. `text` is one formatted line, valid during the call. */
 typedef void (*qryhost_trace_sink)(void *context, uint32_t destination, uint32_t module, uint32_t level,

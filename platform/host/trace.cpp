@@ -23,7 +23,8 @@ void qryhost_set_trace_sink(qryhost_trace_sink sink, void *context) {
     sink_context = context;
 }
 
-void pfwGENTrcPrintf(std::uint32_t destination, std::uint32_t module, std::uint32_t level, const char *format, ...) {
+void pfwGENTrcPrintf(std::uint32_t destination, std::uint32_t module, std::uint32_t level, const char *format,
+                     ...) {
     char line[512];
     std::va_list arguments;
     va_start(arguments, format);

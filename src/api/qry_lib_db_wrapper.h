@@ -1,5 +1,5 @@
-// The functions behind the exported qry_lib_db_* calls. An exported call forwards its arguments unchanged to the
-// wrapper of the same name; the wrapper checks them and does the work. C linkage, not exported.
+// The functions behind the exported qry_lib_db_* calls. An exported call forwards its arguments unchanged to
+// the wrapper of the same name; the wrapper checks them and does the work. C linkage, not exported.
 #pragma once
 
 #include <qrylib/types.h>
@@ -24,8 +24,10 @@ void qry_lib_db_wrapper_stmt_set_elem_as_ulong(qry_lib_db_stmt_ *stmt, int32_t i
 void qry_lib_db_wrapper_stmt_set_elem_as_str(qry_lib_db_stmt_ *stmt, int32_t index, const char *value);
 void qry_lib_db_wrapper_stmt_set_where_phrase(qry_lib_db_stmt_ *stmt, const char *text);
 void qry_lib_db_wrapper_stmt_set_where_equal_int(qry_lib_db_stmt_ *stmt, const char *col_name, int32_t value);
-void qry_lib_db_wrapper_stmt_set_where_equal_ulong(qry_lib_db_stmt_ *stmt, const char *col_name, uint32_t value);
-void qry_lib_db_wrapper_stmt_set_where_equal_str(qry_lib_db_stmt_ *stmt, const char *col_name, const char *value);
+void qry_lib_db_wrapper_stmt_set_where_equal_ulong(qry_lib_db_stmt_ *stmt, const char *col_name,
+                                                   uint32_t value);
+void qry_lib_db_wrapper_stmt_set_where_equal_str(qry_lib_db_stmt_ *stmt, const char *col_name,
+                                                 const char *value);
 void qry_lib_db_wrapper_stmt_set_orderby_phrase(qry_lib_db_stmt_ *stmt, const char *text);
 void qry_lib_db_wrapper_stmt_set_max_rows(qry_lib_db_stmt_ *stmt, uint32_t max_rows);
 void qry_lib_db_wrapper_stmt_term(qry_lib_db_stmt_ *stmt);

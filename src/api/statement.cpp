@@ -48,7 +48,9 @@ std::uint32_t store_text(char *&field, const char *text) {
     return 0;
 }
 
-bool is_column_name(const char *name) { return name != nullptr && fits(name, QRY_LIB_COLUMN_NAME_MAX); }
+bool is_column_name(const char *name) {
+    return name != nullptr && fits(name, QRY_LIB_COLUMN_NAME_MAX);
+}
 
 // Makes `text` the statement's condition. `length` is what snprintf answered for it.
 void replace_where(const char *function, qry_lib_db_stmt_ *stmt, const char *text, int length) {
@@ -147,28 +149,32 @@ void qry_lib_db_wrapper_stmt_set_elem_as_int(qry_lib_db_stmt_ *stmt, std::int32_
     }
 }
 
-void qry_lib_db_wrapper_stmt_set_elem_as_uchar(qry_lib_db_stmt_ *stmt, std::int32_t index, std::uint8_t value) {
+void qry_lib_db_wrapper_stmt_set_elem_as_uchar(qry_lib_db_stmt_ *stmt, std::int32_t index,
+                                               std::uint8_t value) {
     if (QRY_LIB_COLUMN *column = column_for_write(__func__, stmt, index)) {
         column->value.uchar_value = value;
         column->type = QRY_LIB_COLUMN_TYPE_UCHAR;
     }
 }
 
-void qry_lib_db_wrapper_stmt_set_elem_as_ushort(qry_lib_db_stmt_ *stmt, std::int32_t index, std::uint16_t value) {
+void qry_lib_db_wrapper_stmt_set_elem_as_ushort(qry_lib_db_stmt_ *stmt, std::int32_t index,
+                                                std::uint16_t value) {
     if (QRY_LIB_COLUMN *column = column_for_write(__func__, stmt, index)) {
         column->value.ushort_value = value;
         column->type = QRY_LIB_COLUMN_TYPE_USHORT;
     }
 }
 
-void qry_lib_db_wrapper_stmt_set_elem_as_uint(qry_lib_db_stmt_ *stmt, std::int32_t index, std::uint32_t value) {
+void qry_lib_db_wrapper_stmt_set_elem_as_uint(qry_lib_db_stmt_ *stmt, std::int32_t index,
+                                              std::uint32_t value) {
     if (QRY_LIB_COLUMN *column = column_for_write(__func__, stmt, index)) {
         column->value.uint_value = value;
         column->type = QRY_LIB_COLUMN_TYPE_UINT;
     }
 }
 
-void qry_lib_db_wrapper_stmt_set_elem_as_ulong(qry_lib_db_stmt_ *stmt, std::int32_t index, std::uint32_t value) {
+void qry_lib_db_wrapper_stmt_set_elem_as_ulong(qry_lib_db_stmt_ *stmt, std::int32_t index,
+                                               std::uint32_t value) {
     if (QRY_LIB_COLUMN *column = column_for_write(__func__, stmt, index)) {
         column->value.ulong_value = value;
         column->type = QRY_LIB_COLUMN_TYPE_ULONG;
@@ -197,7 +203,8 @@ void qry_lib_db_wrapper_stmt_set_where_phrase(qry_lib_db_stmt_ *stmt, const char
     }
 }
 
-void qry_lib_db_wrapper_stmt_set_where_equal_int(qry_lib_db_stmt_ *stmt, const char *col_name, std::int32_t value) {
+void qry_lib_db_wrapper_stmt_set_where_equal_int(qry_lib_db_stmt_ *stmt, const char *col_name,
+                                                 std::int32_t value) {
     if (stmt == nullptr || !is_column_name(col_name)) {
         trace_return(__func__, __LINE__, QRY_LIB_INVALID_ARGUMENT);
         return;
@@ -218,7 +225,8 @@ void qry_lib_db_wrapper_stmt_set_where_equal_ulong(qry_lib_db_stmt_ *stmt, const
                   std::snprintf(text, sizeof text, "%s = %d", col_name, static_cast<std::int32_t>(value)));
 }
 
-void qry_lib_db_wrapper_stmt_set_where_equal_str(qry_lib_db_stmt_ *stmt, const char *col_name, const char *value) {
+void qry_lib_db_wrapper_stmt_set_where_equal_str(qry_lib_db_stmt_ *stmt, const char *col_name,
+                                                 const char *value) {
     if (stmt == nullptr || !is_column_name(col_name) || value == nullptr || value[0] == '\0') {
         trace_return(__func__, __LINE__, QRY_LIB_INVALID_ARGUMENT);
         return;

@@ -35,7 +35,8 @@ class pool_block {
             return QRY_LIB_NO_MEMORY;
         }
         void *fresh = nullptr;
-        const std::uint32_t code = pfwOSWOrgAllocMemPart(0, &fresh, static_cast<std::uint32_t>(entries * entry_size));
+        const std::uint32_t code =
+            pfwOSWOrgAllocMemPart(0, &fresh, static_cast<std::uint32_t>(entries * entry_size));
         block_ = code == 0 ? fresh : nullptr;
         return code;
     }

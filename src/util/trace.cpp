@@ -14,8 +14,8 @@ constexpr std::uint32_t trace_level = 2;
 } // namespace
 
 std::uint32_t trace_return(const char *function, int line, std::uint32_t code) {
-    pfwGENTrcPrintf(trace_destination, trace_module, trace_level, "%s():[Return]:(%d) (0x%08lX)\n", function, line,
-                    static_cast<unsigned long>(code));
+    pfwGENTrcPrintf(trace_destination, trace_module, trace_level, "%s():[Return]:(%d) (0x%08lX)\n", function,
+                    line, static_cast<unsigned long>(code));
     return code;
 }
 

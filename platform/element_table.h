@@ -1,0 +1,80 @@
+/*
+ * The element tables: the device's record stores, as the library uses them.
+ *
+ * A category is one table. Its record 0 is the default record (the template of an empty slot), records 1 to n
+ * follow; n is the category's number of records, which the library knows from a table of its own. An element
+ * is one column, addressed by an id; its value has a fixed size, in the machine's own byte order, a string
+ * with its terminator. Several columns of the library's schema may be members at fixed offsets of one
+ * composite element, whose value is as large as its farthest member.
+ *
+ * 0 is success. Every other code is opaque to the library: it is traced and, unless said otherwise, handed to
+ * the caller unchanged. 0x5241 (21057) means an argument that the element tables refuse. Every function may
+ * be called from several threads and processes at once; a value is read and written whole.
+ */
+#ifndef QRYLIB_PLATFORM_ELEMENT_TABLE_H
+#define QRYLIB_PLATFORM_ELEMENT_TABLE_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/*
+ * Reads an element of a record into `buffer`, which holds at least 3001 bytes, is aligned for the widest
+ * element and was cleared as far as the element reaches. The platform writes no more than the element's size.
+ */
+uint32_t tbctSTCGetTable(uint32_t category, uint32_t record, uint32_t element, void *buffer);
+
+/*
+ * Writes an element of a record: the platform reads the element's size from `buffer`, in which the bytes
+ * behind a shorter string are zero. `requester` is 0x2301 for the library's own writes. Writes that an
+ * earlier call of the same statement made stay made when a later one fails.
+ */
+uint32_t tbctSTCSetTable(uint32_t requester, uint32_t category, uint32_t record, uint32_t element,
+                         const void *buffer);
+
+/* Puts a record (1 to n) back to the default record. */
+uint32_t tbSTCInitTable(uint32_t category, uint32_t record);
+
+/* Puts every record of a category back to the default record. */
+uint32_t tbctResetTable(uint32_t category);
+
+/* Read and write a setting of the device: an element without a record. */
+uint32_t tbctSTCGetStatus(uint32_t category, uint32_t element, void *buffer);
+uint32_t tbctSTCSetStatus(uint32_t requester, uint32_t category, uint32_t element, const void *buffer);
+
+/* 16 bytes that only the platform understands. Zero-filled before the list is created. */
+typedef struct {
+    uint32_t word[4];
+} tbctListTable;
+
+/*
+ * Opens a list table over one element: the values of records 1 to `record_num`, in order, as they were at one
+ * moment. The library opens one for each condition of a search and closes all of them at its end. A failure
+ * is traced, every list table of the search is deleted, those that were never created included, and the
+ * search goes on; it then ends at the first value that it cannot reach.
+ */
+uint32_t tbctSTCCreateListTable(uint32_t category, uint32_t element, uint16_t record_num,
+                                tbctListTable *list);
+
+/*
+ * Moves the list to a position; position 0 is record 1. Must fail on a list that is not open, which ends the
+ * search with 0x5243.
+ */
+uint32_t tbctSTCListTableSetPos(tbctListTable *list, uint16_t position);
+
+/*
+ * Reads the value at the list's position into `buffer` (as for tbctSTCGetTable). The library does not look at
+ * the code: a value that cannot be read counts as zeros.
+ */
+uint32_t tbctSTCListTableGetVal(tbctListTable *list, void *buffer);
+
+/* Closes the list; `option` is 0. Harmless on a zero-filled list and on one that is closed already. */
+uint32_t tbctSTCDeleteListTable(tbctListTable *list, uint32_t option);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
