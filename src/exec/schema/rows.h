@@ -45,16 +45,20 @@ constexpr QRY_LIB_ELEMENT_DEF member(const char *name, element_type type, std::u
 template <std::size_t Num>
 using table_rows = std::array<QRY_LIB_ELEMENT_DEF, Num>;
 
-// The rows of the table that is `category`.
-template <std::size_t Num>
-constexpr table_rows<Num> rows_of(std::uint32_t category, const QRY_LIB_ELEMENT_DEF (&rows)[Num]) {
-    table_rows<Num> result{};
-    for (std::size_t i = 0; i < Num; ++i) {
-        result[i] = rows[i];
-        result[i].info.category_id = category;
+// The category that is a table: puts its id into the table's rows.
+struct category {
+    std::uint32_t id;
+
+    template <std::size_t Num>
+    constexpr table_rows<Num> rows(const QRY_LIB_ELEMENT_DEF (&listed)[Num]) const {
+        table_rows<Num> result{};
+        for (std::size_t i = 0; i < Num; ++i) {
+            result[i] = listed[i];
+            result[i].info.category_id = id;
+        }
+        return result;
     }
-    return result;
-}
+};
 
 template <std::size_t Num>
 constexpr QRY_LIB_TABLE_DEF table(const char *name, const table_rows<Num> &rows) {
