@@ -19,7 +19,7 @@ options parse_options(int argc, char **argv) {
     app.add_flag("--echo", chosen.echo, "print each line above its answer");
     app.add_option("SQL", chosen.statements, "statements and commands; read from standard input if none");
     app.set_version_flag("--version", qry_lib_version());
-    app.footer("\n" + command_help());
+    app.footer(command_help());
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

@@ -39,9 +39,11 @@ std::string first_word_in_capitals(std::string_view text) {
     return word;
 }
 
+// The statement itself: one ";" behind it is the shell's. All else stays, blanks at the end included, since
+// they matter to the library: "ORDER BY " has a sort phrase, though an empty one, and "ORDER BY" has none.
 std::string_view without_semicolon(std::string_view line) {
-    const std::string_view text = trim(line);
-    return !text.empty() && text.back() == ';' ? trim(text.substr(0, text.size() - 1)) : text;
+    const std::size_t last = line.find_last_not_of(' ');
+    return last != std::string_view::npos && line[last] == ';' ? line.substr(0, last) : line;
 }
 
 outcome report_host(int result) {
@@ -57,10 +59,13 @@ void print(std::string_view text) {
 }
 
 outcome session::run(std::string_view line) {
-    const std::string_view text = trim(line);
-    if (echo_) {
-        print(text.empty() ? "\n" : fmt::format("qrysh> {}\n", text));
+    if (!line.empty() && line.back() == '\r') {
+        line.remove_suffix(1);
     }
+    if (echo_) {
+        print(line.empty() ? "\n" : fmt::format("qrysh> {}\n", line));
+    }
+    const std::string_view text = trim(line);
     if (text.empty() || text.substr(0, 2) == "--") {
         return outcome::done;
     }
@@ -70,13 +75,16 @@ outcome session::run(std::string_view line) {
     if (text.front() == '.') {
         return run_command(*this, text);
     }
-    return run_statement(std::string(without_semicolon(text)));
+    return run_statement(std::string(without_semicolon(line)));
 }
 
 // The case of the first word does not matter here: whoever reads the text then, the library or the shell's
 // own grammar, refuses what is not in capitals and says so.
 outcome session::run_statement(const std::string &sql) {
-    const std::string word = first_word_in_capitals(sql);
+    if (trim(sql).empty()) {
+        return outcome::done;
+    }
+    const std::string word = first_word_in_capitals(trim(sql));
     if (word == "SELECT") {
         return run_select(sql);
     }

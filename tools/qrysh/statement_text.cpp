@@ -156,7 +156,7 @@ void parse_values(scanner &scan, std::vector<assignment> &values) {
         values[i].value = scan.expect_value();
     }
     if (!scan.take(")")) {
-        scan.fail(fmt::format("expected \")\" after {} values, one for each column", values.size()));
+        scan.fail("expected \")\" after the last column's value");
     }
 }
 

@@ -91,12 +91,11 @@ std::size_t text_width(std::string_view text) {
 }
 
 std::string_view trim(std::string_view text) {
-    constexpr std::string_view blanks = " \r";
-    const std::size_t first = text.find_first_not_of(blanks);
+    const std::size_t first = text.find_first_not_of(' ');
     if (first == std::string_view::npos) {
         return {};
     }
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+    return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
 } // namespace qrysh

@@ -26,7 +26,7 @@ std::size_t text_width(std::string_view text);
 // Terminal columns of one character: 2 for most Japanese ones.
 std::size_t character_width(char32_t code_point);
 
-// Removes blanks, and the carriage return of a line that ends in one, from both ends.
+// Removes blanks from both ends.
 std::string_view trim(std::string_view text);
 
 } // namespace qrysh

@@ -124,7 +124,7 @@ INSTANTIATE_TEST_SUITE_P(
         refused_text{"INSERT INTO T (A, B) VALUES (1)",
                      "at character 31: expected \",\" and a value: there are 2 columns"},
         refused_text{"INSERT INTO T (A) VALUES (1, 2)",
-                     "at character 28: expected \")\" after 1 values, one for each column"},
+                     "at character 28: expected \")\" after the last column's value"},
         refused_text{"INSERT INTO T (A) VALUES ('x)", "at character 27: the quote is not closed"},
         refused_text{"INSERT INTO T (A) VALUES (1) WHERE B = 1",
                      "at character 30: expected the end of the statement"}));
