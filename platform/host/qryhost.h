@@ -25,8 +25,9 @@ int qryhost_close(void);
 int qryhost_reset(void);
 
 /*
- * Replaces records, default records and settings by those of a JSON file, or by nothing at all when the file
- * is refused. Saving writes a temporary file beside the target, syncs it and renames it.
+ * Replaces records, default records and settings by those of a JSON file; a file that is refused changes
+ * nothing. Saving writes a temporary file beside the target, syncs it and renames it. The format is described
+ * in platform/host/fixture.h.
  */
 int qryhost_load(const char *json_path);
 int qryhost_save(const char *json_path);
@@ -34,17 +35,29 @@ int qryhost_save(const char *json_path);
 /* Why the calling thread's last control call failed, in one sentence; "" when it did not. Never null. */
 const char *qryhost_error(void);
 
-/* Called for every trace line, one at a time. `text` is one formatted line, valid during the call. */
+/*
+ * Called for every trace line, one at a time. `text` is one formatted line, valid during the call. A sink
+ * must not trace and must not set a sink.
+ */
 typedef void (*qryhost_trace_sink)(void *context, uint32_t destination, uint32_t module, uint32_t level,
                                    const char *text);
 
-/* Sends the traces to `sink`; null drops them. */
+/* Sends the traces to `sink` instead of where QRYLIB_TRACE says; null drops them. */
 void qryhost_set_trace_sink(qryhost_trace_sink sink, void *context);
 
 /* Memory-partition blocks now in use. */
 uint32_t qryhost_pool_blocks(void);
 
-/* The platform calls that can be made to fail, and are counted. */
+/*
+ * The calling thread's database handle, as the database-handle service asks the library for it; 0 when the
+ * thread has none or no service is registered.
+ */
+uint32_t qryhost_current_db_handle(void);
+
+/*
+ * The platform calls that can be made to fail, and are counted. tbctResetTable counts as INIT_TABLE and
+ * tbctSTCSetStatus as SET_TABLE. Releases of what was taken before never fail.
+ */
 typedef enum {
     QRYHOST_ALLOC,
     QRYHOST_CREATE_MUTEX,
@@ -70,7 +83,7 @@ typedef enum {
     QRYHOST_CALL_NUM
 } qryhost_call;
 
-/* Lets `skip` calls of this kind through and fails the next `times` with `code`. */
+/* Lets `skip` calls of this kind through and fails the next `times` with `code`; forgets an earlier order. */
 void qryhost_fail(qryhost_call call, uint32_t skip, uint32_t times, uint32_t code);
 
 /* Ends every injected failure and sets the call counts to 0. */

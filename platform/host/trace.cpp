@@ -1,8 +1,11 @@
-// The trace: formats a line and hands it to the sink, one line at a time.
+// The trace: formats a line and hands it to the sink, one line at a time. QRYLIB_TRACE names where lines go
+// until the process sets a sink of its own.
 #include "platform/trace.h"
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <mutex>
 
 #include "platform/host/qryhost.h"
@@ -10,8 +13,27 @@
 namespace {
 
 std::mutex sink_lock;
+bool sink_is_chosen = false;
 qryhost_trace_sink current_sink = nullptr;
 void *sink_context = nullptr;
+
+// Flushed line by line: the trace of a process that crashes is the one that is wanted.
+void write_line(void *stream, std::uint32_t, std::uint32_t, std::uint32_t, const char *text) {
+    auto *file = static_cast<std::FILE *>(stream);
+    std::fputs(text, file);
+    std::fflush(file);
+}
+
+// A file that cannot be opened drops the traces: tracing must not fail. It stays open until the process ends.
+void choose_sink_of_environment() {
+    sink_is_chosen = true;
+    const char *target = std::getenv("QRYLIB_TRACE");
+    if (target == nullptr || *target == '\0') {
+        return;
+    }
+    sink_context = std::strcmp(target, "stderr") == 0 ? stderr : std::fopen(target, "a");
+    current_sink = sink_context != nullptr ? write_line : nullptr;
+}
 
 } // namespace
 
@@ -19,6 +41,7 @@ extern "C" {
 
 void qryhost_set_trace_sink(qryhost_trace_sink sink, void *context) {
     const std::lock_guard<std::mutex> hold(sink_lock);
+    sink_is_chosen = true;
     current_sink = sink;
     sink_context = context;
 }
@@ -31,6 +54,9 @@ void pfwGENTrcPrintf(std::uint32_t destination, std::uint32_t module, std::uint3
     std::vsnprintf(line, sizeof line, format, arguments);
     va_end(arguments);
     const std::lock_guard<std::mutex> hold(sink_lock);
+    if (!sink_is_chosen) {
+        choose_sink_of_environment();
+    }
     if (current_sink != nullptr) {
         current_sink(sink_context, destination, module, level, line);
     }

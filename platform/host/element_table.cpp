@@ -1,0 +1,219 @@
+// The element-table calls over the store: record values, settings, and list tables.
+#include "platform/element_table.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/host/element_store.h"
+#include "platform/host/faults.h"
+
+namespace {
+
+using qryhost::category_place;
+using qryhost::element_place;
+using qryhost::element_store;
+
+constexpr std::uint32_t refused = 0x5241;
+constexpr std::uint32_t no_store = 0x5242; // the store cannot be opened: qryhost_error() says why
+constexpr std::uint32_t no_memory = 0x5244;
+
+// What a call works on. `code` is not 0 when the arguments name nothing that exists.
+struct target {
+    std::uint32_t code;
+    element_store *store;
+    const element_place *place;
+};
+
+target find_target(bool is_setting, std::uint32_t category, std::uint32_t element, std::uint32_t record) {
+    element_store *store = qryhost::current_store();
+    if (store == nullptr) {
+        return {no_store, nullptr, nullptr};
+    }
+    const element_place *place = store->layout().find(category, element);
+    if (place == nullptr || place->is_setting != is_setting || record > place->record_num) {
+        return {refused, store, nullptr};
+    }
+    return {0, store, place};
+}
+
+std::uint32_t read_value(const target &from, std::uint32_t record, void *buffer) {
+    if (from.code != 0) {
+        return from.code;
+    }
+    if (buffer == nullptr) {
+        return refused;
+    }
+    from.store->read(*from.place, record, buffer);
+    return 0;
+}
+
+std::uint32_t write_value(const target &to, std::uint32_t record, const void *buffer) {
+    if (to.code != 0) {
+        return to.code;
+    }
+    if (buffer == nullptr) {
+        return refused;
+    }
+    to.store->write(*to.place, record, buffer);
+    return 0;
+}
+
+// The table whose records a call puts back. `code` is not 0 when there is none, or the call is to fail.
+struct reset_target {
+    std::uint32_t code;
+    element_store *store;
+    const category_place *table;
+};
+
+reset_target find_table(std::uint32_t category) {
+    if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_INIT_TABLE)) {
+        return {fault, nullptr, nullptr};
+    }
+    element_store *store = qryhost::current_store();
+    if (store == nullptr) {
+        return {no_store, nullptr, nullptr};
+    }
+    const category_place *table = store->layout().find_category(category);
+    return {table == nullptr || table->is_setting ? refused : 0, store, table};
+}
+
+// What the 16 bytes of a list table hold: the copied values of records 1 to `count`, back to back, and the
+// position. Null values: not open.
+struct list_state {
+    std::uint8_t *values;
+    std::uint16_t size;
+    std::uint16_t count;
+    std::uint16_t position;
+};
+static_assert(sizeof(list_state) <= sizeof(tbctListTable));
+
+list_state unpack(const tbctListTable &list) {
+    list_state state;
+    std::memcpy(&state, &list, sizeof state);
+    return state;
+}
+
+void pack(const list_state &state, tbctListTable &list) {
+    std::memcpy(&list, &state, sizeof state);
+}
+
+} // namespace
+
+extern "C" {
+
+std::uint32_t tbctSTCGetTable(std::uint32_t category, std::uint32_t record, std::uint32_t element,
+                              void *buffer) {
+    if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_GET_TABLE)) {
+        return fault;
+    }
+    return read_value(find_target(false, category, element, record), record, buffer);
+}
+
+std::uint32_t tbctSTCSetTable(std::uint32_t, std::uint32_t category, std::uint32_t record,
+                              std::uint32_t element, const void *buffer) {
+    if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_SET_TABLE)) {
+        return fault;
+    }
+    return write_value(find_target(false, category, element, record), record, buffer);
+}
+
+std::uint32_t tbSTCInitTable(std::uint32_t category, std::uint32_t record) {
+    const reset_target found = find_table(category);
+    if (found.code != 0) {
+        return found.code;
+    }
+    if (record == 0 || record > found.table->record_num) {
+        return refused;
+    }
+    found.store->restore_default(*found.table, record, record);
+    return 0;
+}
+
+std::uint32_t tbctResetTable(std::uint32_t category) {
+    const reset_target found = find_table(category);
+    if (found.code != 0) {
+        return found.code;
+    }
+    found.store->restore_default(*found.table, 1, found.table->record_num);
+    return 0;
+}
+
+std::uint32_t tbctSTCGetStatus(std::uint32_t category, std::uint32_t element, void *buffer) {
+    if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_GET_STATUS)) {
+        return fault;
+    }
+    return read_value(find_target(true, category, element, 0), 0, buffer);
+}
+
+std::uint32_t tbctSTCSetStatus(std::uint32_t, std::uint32_t category, std::uint32_t element,
+                               const void *buffer) {
+    if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_SET_TABLE)) {
+        return fault;
+    }
+    return write_value(find_target(true, category, element, 0), 0, buffer);
+}
+
+std::uint32_t tbctSTCCreateListTable(std::uint32_t category, std::uint32_t element, std::uint16_t record_num,
+                                     tbctListTable *list) {
+    if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_CREATE_LIST)) {
+        return fault;
+    }
+    const target from = find_target(false, category, element, record_num);
+    if (from.code != 0) {
+        return from.code;
+    }
+    if (list == nullptr) {
+        return refused;
+    }
+    const std::size_t bytes = std::size_t{from.place->size} * record_num;
+    auto *values = static_cast<std::uint8_t *>(std::malloc(bytes + 1)); // a list of no records is open too
+    if (values == nullptr) {
+        return no_memory;
+    }
+    from.store->copy_column(*from.place, record_num, values);
+    *list = tbctListTable{};
+    pack({values, from.place->size, record_num, 0}, *list);
+    return 0;
+}
+
+std::uint32_t tbctSTCListTableSetPos(tbctListTable *list, std::uint16_t position) {
+    if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_LIST_SET_POS)) {
+        return fault;
+    }
+    if (list == nullptr) {
+        return refused;
+    }
+    list_state state = unpack(*list);
+    if (state.values == nullptr || position >= state.count) {
+        return refused;
+    }
+    state.position = position;
+    pack(state, *list);
+    return 0;
+}
+
+std::uint32_t tbctSTCListTableGetVal(tbctListTable *list, void *buffer) {
+    if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_LIST_GET_VAL)) {
+        return fault;
+    }
+    if (list == nullptr || buffer == nullptr) {
+        return refused;
+    }
+    const list_state state = unpack(*list);
+    if (state.values == nullptr || state.position >= state.count) {
+        return refused;
+    }
+    std::memcpy(buffer, state.values + std::size_t{state.size} * state.position, state.size);
+    return 0;
+}
+
+std::uint32_t tbctSTCDeleteListTable(tbctListTable *list, std::uint32_t) {
+    if (list == nullptr) {
+        return refused;
+    }
+    std::free(unpack(*list).values);
+    *list = tbctListTable{};
+    return 0;
+}
+
+} // extern "C"

@@ -1,0 +1,99 @@
+// Mutexes and the task lock. They check who holds them: a second request by the holder and a release by
+// anyone else are refused, and neither deadlocks nor breaks the mutex.
+#include <pthread.h>
+
+#include <atomic>
+
+#include "platform/host/faults.h"
+#include "platform/os.h"
+
+namespace {
+
+constexpr std::uint32_t bad_argument = 1;
+constexpr std::uint32_t none_left = 2;
+constexpr std::uint32_t not_permitted = 3; // held by the wrong thread
+
+class checked_mutex {
+  public:
+    checked_mutex() {
+        pthread_mutexattr_t attributes;
+        pthread_mutexattr_init(&attributes);
+        pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ERRORCHECK);
+        pthread_mutex_init(&mutex_, &attributes);
+        pthread_mutexattr_destroy(&attributes);
+    }
+
+    std::uint32_t lock() { return pthread_mutex_lock(&mutex_) == 0 ? 0 : not_permitted; }
+    std::uint32_t unlock() { return pthread_mutex_unlock(&mutex_) == 0 ? 0 : not_permitted; }
+
+  private:
+    pthread_mutex_t mutex_;
+};
+
+// The contract has no call that destroys a mutex, so identifiers are handed out once, 1 upwards.
+constexpr std::uint32_t mutex_max = 256;
+
+checked_mutex &mutex_at(std::uint32_t identifier) {
+    static checked_mutex mutexes[mutex_max];
+    return mutexes[identifier - 1];
+}
+
+std::atomic<std::uint32_t> created{0};
+
+bool exists(std::uint32_t identifier) {
+    return identifier != 0 && identifier <= created;
+}
+
+checked_mutex &task_lock() {
+    static checked_mutex lock;
+    return lock;
+}
+
+} // namespace
+
+extern "C" {
+
+std::uint32_t pfwOSWCreateMutexSem(std::uint32_t *mutex, std::uint32_t option, std::uint32_t count) {
+    if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_CREATE_MUTEX)) {
+        return fault;
+    }
+    if (mutex == nullptr || option != 0 || count != 1) {
+        return bad_argument;
+    }
+    std::uint32_t last = created;
+    do {
+        if (last == mutex_max) {
+            return none_left;
+        }
+    } while (!created.compare_exchange_weak(last, last + 1));
+    *mutex = last + 1;
+    return 0;
+}
+
+std::uint32_t pfwOSWRequestMutexSem(std::uint32_t mutex, std::int32_t timeout) {
+    if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_REQUEST_MUTEX)) {
+        return fault;
+    }
+    constexpr std::int32_t without_limit = -1;
+    if (!exists(mutex) || timeout != without_limit) {
+        return bad_argument;
+    }
+    return mutex_at(mutex).lock();
+}
+
+std::uint32_t pfwOSWReleaseMutexSem(std::uint32_t mutex) {
+    return exists(mutex) ? mutex_at(mutex).unlock() : bad_argument;
+}
+
+std::uint32_t pfwOSWLockTask(void) {
+    if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_LOCK_TASK)) {
+        return fault;
+    }
+    return task_lock().lock();
+}
+
+std::uint32_t pfwOSWUnlockTask(void) {
+    return task_lock().unlock();
+}
+
+} // extern "C"

@@ -1,0 +1,131 @@
+// Computes the layout of the store from the schema's columns and the capacities.
+#include "platform/host/store_layout.h"
+
+#include <algorithm>
+#include <tuple>
+
+#include "exec/schema/schema.h"
+
+namespace qryhost {
+
+namespace {
+
+// A power of two with room to spare: most lookups end at the first slot.
+constexpr std::size_t slot_num = 2048;
+
+constexpr std::uint16_t setting_size = 4;
+
+std::size_t first_slot(std::uint32_t category, std::uint32_t element) {
+    const std::uint32_t mixed = (element ^ (category * 0x9E3779B1u)) * 0x85EBCA6Bu;
+    return (mixed >> 16) & (slot_num - 1);
+}
+
+std::uint16_t capacity_of(std::uint32_t category) {
+    for (const QRY_LIB_TB_MAX_ROW &row : QRY_LIB_TB_MAX_TABLE) {
+        if (row.category == category) {
+            return row.max_number;
+        }
+    }
+    return 0;
+}
+
+bool in_order(const element_place &a, const element_place &b) {
+    return std::tie(a.category, a.element) < std::tie(b.category, b.element);
+}
+
+bool same_element(const element_place &a, const element_place &b) {
+    return a.category == b.category && a.element == b.element;
+}
+
+} // namespace
+
+const store_layout &store_layout::get() {
+    static const store_layout layout;
+    return layout;
+}
+
+store_layout::store_layout() {
+    collect_tables();
+    collect_settings();
+    std::sort(elements_.begin(), elements_.end(), in_order);
+    merge_shared_elements();
+    place_elements();
+    index_elements();
+}
+
+void store_layout::collect_tables() {
+    for (const norvane::database_schema *database : norvane::databases) {
+        for (std::uint16_t t = 0; t < database->table_num; ++t) {
+            const QRY_LIB_TABLE_DEF &table = database->tables[t];
+            for (std::int16_t c = 0; c < table.element_num; ++c) {
+                const QRY_LIB_ELEMENT_INFO &info = table.elements[c].info;
+                const auto end = static_cast<std::uint16_t>(info.member_offset + info.size);
+                elements_.push_back(
+                    {info.category_id, info.element_id, 0, end, capacity_of(info.category_id), 0, false});
+            }
+        }
+    }
+}
+
+void store_layout::collect_settings() {
+    for (const std::uint32_t element : settings_elements) {
+        elements_.push_back({settings_category, element, 0, setting_size, 0, 0, true});
+    }
+}
+
+// The members of a composite element share its id: the composite reaches to its farthest member's end.
+void store_layout::merge_shared_elements() {
+    std::vector<element_place> merged;
+    for (const element_place &place : elements_) {
+        if (!merged.empty() && same_element(merged.back(), place)) {
+            merged.back().size = std::max(merged.back().size, place.size);
+        } else {
+            merged.push_back(place);
+        }
+    }
+    elements_ = std::move(merged);
+}
+
+void store_layout::place_elements() {
+    for (std::uint32_t i = 0; i < elements_.size(); ++i) {
+        element_place &place = elements_[i];
+        if (categories_.empty() || categories_.back().category != place.category) {
+            categories_.push_back({place.category, place.record_num, place.is_setting, i, 0});
+        }
+        ++categories_.back().element_num;
+        place.lock = static_cast<std::uint16_t>(categories_.size() - 1);
+        place.offset = bytes_;
+        bytes_ += place.size * (place.record_num + 1u);
+    }
+}
+
+void store_layout::index_elements() {
+    slots_.assign(slot_num, 0);
+    for (std::size_t i = 0; i < elements_.size(); ++i) {
+        std::size_t slot = first_slot(elements_[i].category, elements_[i].element);
+        while (slots_[slot] != 0) {
+            slot = (slot + 1) & (slot_num - 1);
+        }
+        slots_[slot] = static_cast<std::uint16_t>(i + 1);
+    }
+}
+
+const element_place *store_layout::find(std::uint32_t category, std::uint32_t element) const {
+    for (std::size_t slot = first_slot(category, element); slots_[slot] != 0;
+         slot = (slot + 1) & (slot_num - 1)) {
+        const element_place &place = elements_[slots_[slot] - 1u];
+        if (place.element == element && place.category == category) {
+            return &place;
+        }
+    }
+    return nullptr;
+}
+
+const category_place *store_layout::find_category(std::uint32_t category) const {
+    const auto found =
+        std::lower_bound(categories_.begin(), categories_.end(), category,
+                         [](const category_place &place, std::uint32_t id) { return place.category < id; });
+    return found != categories_.end() && found->category == category ? &*found : nullptr;
+}
+
+} // namespace qryhost

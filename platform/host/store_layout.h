@@ -1,0 +1,68 @@
+// Where every value of the element tables lies in the store's flat region. Computed once from the schema, so
+// that all processes of one build agree on it; the region itself holds no pointers.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace qryhost {
+
+// The category of the device's settings. It is no table: its elements have one value each, and no records.
+constexpr std::uint32_t settings_category = 0x04050300;
+constexpr std::uint32_t settings_elements[] = {0x85004860, 0x85004888, 0x85004838};
+
+// One element of a category. The value of record r lies `offset` + r * `size` bytes into the region.
+struct element_place {
+    std::uint32_t category;
+    std::uint32_t element;
+    std::uint32_t offset;
+    std::uint16_t size;
+    std::uint16_t record_num; // records 0 to record_num exist
+    std::uint16_t lock;       // the category's position: which lock guards it
+    bool is_setting;
+
+    std::uint32_t value_offset(std::uint32_t record) const { return offset + record * size; }
+};
+
+// One category: its elements lie together, in the order of their ids.
+struct category_place {
+    std::uint32_t category;
+    std::uint16_t record_num;
+    bool is_setting;
+    std::uint32_t first_element;
+    std::uint32_t element_num;
+};
+
+// Immutable. Categories and elements ascend by id.
+class store_layout {
+  public:
+    static const store_layout &get();
+
+    // Null when there is no such element.
+    const element_place *find(std::uint32_t category, std::uint32_t element) const;
+
+    // Null when there is no such category.
+    const category_place *find_category(std::uint32_t category) const;
+
+    const std::vector<category_place> &categories() const { return categories_; }
+    const std::vector<element_place> &elements() const { return elements_; }
+
+    // The region's size in bytes.
+    std::uint32_t bytes() const { return bytes_; }
+
+  private:
+    store_layout();
+    void collect_tables();
+    void collect_settings();
+    void merge_shared_elements();
+    void place_elements();
+    void index_elements();
+
+    std::vector<element_place> elements_;
+    std::vector<category_place> categories_;
+    std::vector<std::uint16_t> slots_; // an open-addressing table: position in elements_ plus 1, 0 for none
+    std::uint32_t bytes_ = 0;
+};
+
+} // namespace qryhost

@@ -1,0 +1,110 @@
+// What the tests of the workstation platform share: an empty store before and after, and the schema's shape.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <map>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "exec/schema/schema.h"
+#include "platform/element_table.h"
+#include "unit/support.h"
+
+namespace test {
+
+class host_test : public platform_test {
+  protected:
+    host_test() { EXPECT_EQ(qryhost_reset(), 0) << qryhost_error(); }
+    ~host_test() override { EXPECT_EQ(qryhost_reset(), 0) << qryhost_error(); }
+};
+
+constexpr std::uint32_t table_refused = 0x5241;
+constexpr std::uint32_t requester = 0x2301;
+
+constexpr std::uint32_t settings = 0x04050300;
+constexpr std::uint32_t setting_ids[] = {0x85004860, 0x85004888, 0x85004838};
+
+constexpr std::uint32_t departments = 0x05080404; // 101 records
+constexpr std::uint32_t department_name = 0x4481F000;
+constexpr std::uint32_t department_id = 0x44871000;
+constexpr std::uint32_t persons = 0x05090400; // 10 records
+constexpr std::uint32_t person_name = 0x4091F000;
+constexpr std::uint32_t no_records = 0x05120703; // print job log records: a capacity of 0
+
+// Long enough for any element's value.
+using value_buffer = std::vector<std::uint8_t>;
+inline value_buffer empty_buffer(std::uint8_t fill = 0) {
+    return value_buffer(3001, fill);
+}
+
+inline std::uint16_t capacity(std::uint32_t category) {
+    for (const QRY_LIB_TB_MAX_ROW &row : QRY_LIB_TB_MAX_TABLE) {
+        if (row.category == category) {
+            return row.max_number;
+        }
+    }
+    return 0;
+}
+
+using element_key = std::pair<std::uint32_t, std::uint32_t>;
+
+// Every (category, element) of the schema with its size, worked out from the columns' descriptions.
+inline std::map<element_key, std::uint16_t> element_sizes() {
+    std::map<element_key, std::uint16_t> sizes;
+    for (const norvane::database_schema *database : norvane::databases) {
+        for (std::uint16_t t = 0; t < database->table_num; ++t) {
+            const QRY_LIB_TABLE_DEF &table = database->tables[t];
+            for (std::int16_t c = 0; c < table.element_num; ++c) {
+                const QRY_LIB_ELEMENT_INFO &info = table.elements[c].info;
+                std::uint16_t &size = sizes[{info.category_id, info.element_id}];
+                size = std::max(size, static_cast<std::uint16_t>(info.member_offset + info.size));
+            }
+        }
+    }
+    return sizes;
+}
+
+// Random numbers whose seed is printed with a failure; QRYLIB_TEST_SEED runs that seed again.
+class seeded_random {
+  public:
+    seeded_random() : seed_(choose()), engine_(seed_) {}
+
+    std::uint32_t below(std::uint32_t bound) { return static_cast<std::uint32_t>(engine_()) % bound; }
+    std::uint8_t byte() { return static_cast<std::uint8_t>(engine_() & 0xFF); }
+
+    std::string rerun() const { return "run again with QRYLIB_TEST_SEED=" + std::to_string(seed_); }
+
+  private:
+    static std::uint32_t choose() {
+        const char *fixed = std::getenv("QRYLIB_TEST_SEED");
+        return fixed != nullptr ? static_cast<std::uint32_t>(std::strtoul(fixed, nullptr, 10))
+                                : std::random_device{}();
+    }
+
+    std::uint32_t seed_;
+    std::mt19937 engine_;
+};
+
+// Every value of the store, records 0 to n and the settings, read through the platform calls.
+inline std::vector<std::uint8_t> store_content() {
+    std::vector<std::uint8_t> content;
+    for (const auto &[key, size] : element_sizes()) {
+        for (std::uint32_t record = 0; record <= capacity(key.first); ++record) {
+            value_buffer value = empty_buffer();
+            EXPECT_EQ(tbctSTCGetTable(key.first, record, key.second, value.data()), 0u);
+            content.insert(content.end(), value.begin(), value.begin() + size);
+        }
+    }
+    for (const std::uint32_t id : setting_ids) {
+        value_buffer value = empty_buffer();
+        EXPECT_EQ(tbctSTCGetStatus(settings, id, value.data()), 0u);
+        content.insert(content.end(), value.begin(), value.begin() + 4);
+    }
+    return content;
+}
+
+} // namespace test
