@@ -62,5 +62,72 @@ void qry_lib_db_stmt_set_max_rows(qry_lib_db_stmt_ *stmt, uint32_t max_rows) {
 void qry_lib_db_stmt_term(qry_lib_db_stmt_ *stmt) {
     qry_lib_db_wrapper_stmt_term(stmt);
 }
+uint32_t qry_lib_db_exec_query(qry_lib_db_stmt_ *stmt, const char *sql, qry_lib_db_rowset_ *rowset) {
+    return qry_lib_db_wrapper_exec_query(stmt, sql, rowset);
+}
+uint32_t qry_lib_db_exec(qry_lib_db_stmt_ *stmt, const char *sql) {
+    return qry_lib_db_wrapper_exec(stmt, sql);
+}
+uint32_t qry_lib_db_stmt_exec_query(qry_lib_db_stmt_ *stmt, qry_lib_db_rowset_ *rowset) {
+    return qry_lib_db_wrapper_stmt_exec_query(stmt, rowset);
+}
+uint32_t qry_lib_db_stmt_exec(qry_lib_db_stmt_ *stmt) {
+    return qry_lib_db_wrapper_stmt_exec(stmt);
+}
+uint32_t qry_lib_db_init_datasource(char *out, uint32_t a, uint32_t b, const char *name) {
+    return qry_lib_db_wrapper_init_datasource(out, a, b, name);
+}
+uint32_t qry_lib_db_get_connection(const char *db_name, uint32_t ignored, char *out) {
+    return qry_lib_db_wrapper_get_connection(db_name, ignored, out);
+}
+uint32_t qry_lib_db_get_connection_keep(const char *db_name, uint32_t ignored, char *out) {
+    return qry_lib_db_wrapper_get_connection_keep(db_name, ignored, out);
+}
+uint32_t qry_lib_db_get_connection_keep_start(const char *db_name) {
+    return qry_lib_db_wrapper_get_connection_keep_start(db_name);
+}
+uint32_t qry_lib_db_disconnect(uint32_t connection) {
+    return qry_lib_db_wrapper_disconnect(connection);
+}
+uint32_t qry_lib_db_disconnect_keep(uint32_t connection) {
+    return qry_lib_db_wrapper_disconnect_keep(connection);
+}
+uint32_t qry_lib_db_disconnect_keep_end(void) {
+    return qry_lib_db_wrapper_disconnect_keep_end();
+}
+uint32_t qry_lib_db_commit(void) {
+    return qry_lib_db_wrapper_commit();
+}
+uint32_t qry_lib_db_rollback(void) {
+    return qry_lib_db_wrapper_rollback();
+}
+void qry_lib_db_rowset_init(qry_lib_db_rowset_ *rowset) {
+    qry_lib_db_wrapper_rowset_init(rowset);
+}
+void qry_lib_db_rowset_term(qry_lib_db_rowset_ *rowset) {
+    qry_lib_db_wrapper_rowset_term(rowset);
+}
+uint32_t qry_lib_db_rowset_next(qry_lib_db_rowset_ *rowset) {
+    return qry_lib_db_wrapper_rowset_next(rowset);
+}
+void qry_lib_db_rowset_init_value(qry_lib_db_rowset_ *rowset) {
+    qry_lib_db_wrapper_rowset_init_value(rowset);
+}
+uint16_t qry_lib_db_rowset_get_row_num(qry_lib_db_rowset_ *rowset) {
+    return qry_lib_db_wrapper_rowset_get_row_num(rowset);
+}
+uint32_t qry_lib_db_rowset_get_ulong(qry_lib_db_rowset_ *rowset, uint16_t col_index, uint32_t default_value) {
+    return qry_lib_db_wrapper_rowset_get_ulong(rowset, col_index, default_value);
+}
+uint32_t qry_lib_db_rowset_get_uint(qry_lib_db_rowset_ *rowset, uint16_t col_index, uint32_t default_value) {
+    return qry_lib_db_wrapper_rowset_get_uint(rowset, col_index, default_value);
+}
+int32_t qry_lib_db_rowset_get_int(qry_lib_db_rowset_ *rowset, uint16_t col_index, int32_t default_value) {
+    return qry_lib_db_wrapper_rowset_get_int(rowset, col_index, default_value);
+}
+void qry_lib_db_rowset_get_str(char *buffer, uint32_t buffer_len, qry_lib_db_rowset_ *rowset,
+                               uint16_t col_index, const char *default_str) {
+    qry_lib_db_wrapper_rowset_get_str(buffer, buffer_len, rowset, col_index, default_str);
+}
 
 } // extern "C"

@@ -32,4 +32,32 @@ void qry_lib_db_wrapper_stmt_set_orderby_phrase(qry_lib_db_stmt_ *stmt, const ch
 void qry_lib_db_wrapper_stmt_set_max_rows(qry_lib_db_stmt_ *stmt, uint32_t max_rows);
 void qry_lib_db_wrapper_stmt_term(qry_lib_db_stmt_ *stmt);
 
+uint32_t qry_lib_db_wrapper_exec_query(qry_lib_db_stmt_ *stmt, const char *sql, qry_lib_db_rowset_ *rowset);
+uint32_t qry_lib_db_wrapper_exec(qry_lib_db_stmt_ *stmt, const char *sql);
+uint32_t qry_lib_db_wrapper_stmt_exec_query(qry_lib_db_stmt_ *stmt, qry_lib_db_rowset_ *rowset);
+uint32_t qry_lib_db_wrapper_stmt_exec(qry_lib_db_stmt_ *stmt);
+uint32_t qry_lib_db_wrapper_init_datasource(char *out, uint32_t a, uint32_t b, const char *name);
+uint32_t qry_lib_db_wrapper_get_connection(const char *db_name, uint32_t ignored, char *out);
+uint32_t qry_lib_db_wrapper_get_connection_keep(const char *db_name, uint32_t ignored, char *out);
+uint32_t qry_lib_db_wrapper_get_connection_keep_start(const char *db_name);
+uint32_t qry_lib_db_wrapper_disconnect(uint32_t connection);
+uint32_t qry_lib_db_wrapper_disconnect_keep(uint32_t connection);
+uint32_t qry_lib_db_wrapper_disconnect_keep_end(void);
+uint32_t qry_lib_db_wrapper_commit(void);
+uint32_t qry_lib_db_wrapper_rollback(void);
+
+void qry_lib_db_wrapper_rowset_init(qry_lib_db_rowset_ *rowset);
+void qry_lib_db_wrapper_rowset_term(qry_lib_db_rowset_ *rowset);
+uint32_t qry_lib_db_wrapper_rowset_next(qry_lib_db_rowset_ *rowset);
+void qry_lib_db_wrapper_rowset_init_value(qry_lib_db_rowset_ *rowset);
+uint16_t qry_lib_db_wrapper_rowset_get_row_num(qry_lib_db_rowset_ *rowset);
+uint32_t qry_lib_db_wrapper_rowset_get_ulong(qry_lib_db_rowset_ *rowset, uint16_t col_index,
+                                             uint32_t default_value);
+uint32_t qry_lib_db_wrapper_rowset_get_uint(qry_lib_db_rowset_ *rowset, uint16_t col_index,
+                                            uint32_t default_value);
+int32_t qry_lib_db_wrapper_rowset_get_int(qry_lib_db_rowset_ *rowset, uint16_t col_index,
+                                          int32_t default_value);
+void qry_lib_db_wrapper_rowset_get_str(char *buffer, uint32_t buffer_len, qry_lib_db_rowset_ *rowset,
+                                       uint16_t col_index, const char *default_str);
+
 } // extern "C"

@@ -1,4 +1,4 @@
-// Copies into the fixed character arrays of the public records, and the length checks that go before them.
+// Copies into fixed character arrays, and the length checks that go before them.
 #pragma once
 
 #include <cstddef>
@@ -11,14 +11,24 @@ inline bool fits(const char *text, std::size_t capacity) {
     return std::memchr(text, '\0', capacity + 1) != nullptr;
 }
 
-// Copies as much of `text` as the array holds and always terminates it; the bytes behind stay as they were.
+// The characters of `text` before its terminator, or `capacity` where that comes first.
+inline std::size_t bounded_length(const char *text, std::size_t capacity) {
+    const void *end = std::memchr(text, '\0', capacity);
+    return end == nullptr ? capacity : static_cast<std::size_t>(static_cast<const char *>(end) - text);
+}
+
+// Copies at most `Capacity` characters of `text` and a terminator; the bytes behind stay as they were.
+template <std::size_t Capacity>
+void copy_bounded(char *out, const char *text) {
+    const std::size_t length = bounded_length(text, Capacity);
+    std::memmove(out, text, length);
+    out[length] = '\0';
+}
+
+// As much of `text` as the array holds.
 template <std::size_t Size>
 void copy_bounded(char (&array)[Size], const char *text) {
-    const void *end = std::memchr(text, '\0', Size - 1);
-    const std::size_t length =
-        end == nullptr ? Size - 1 : static_cast<std::size_t>(static_cast<const char *>(end) - text);
-    std::memmove(array, text, length);
-    array[length] = '\0';
+    copy_bounded<Size - 1>(static_cast<char *>(array), text);
 }
 
 } // namespace norvane

@@ -9,6 +9,11 @@ namespace norvane {
 // Writes "function():[Return]:(line) (code)" and hands the code back.
 std::uint32_t trace_return(const char *function, int line, std::uint32_t code);
 
+// The same for the classes whose operations answer an int.
+inline int trace_code(const char *function, int line, int code) {
+    return static_cast<int>(trace_return(function, line, static_cast<std::uint32_t>(code)));
+}
+
 // Write the entry and the exit line of a function that reports no code.
 void trace_enter(const char *function, int line);
 void trace_leave(const char *function, int line);

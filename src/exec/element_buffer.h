@@ -1,0 +1,29 @@
+// A buffer that the platform may write any element into.
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+
+#include "exec/schema/schema.h"
+#include "qrylib/types.h"
+
+namespace norvane {
+
+// Room for the largest value and a terminator, behind the farthest member offset; aligned for every element.
+class element_buffer {
+  public:
+    char *data() { return bytes_; }
+    const char *data() const { return bytes_; }
+    const char *at(std::size_t offset) const { return bytes_ + offset; }
+
+    // Clears what is read of the element next: its bytes and a terminator behind them.
+    void clear(const QRY_LIB_ELEMENT_INFO &info) {
+        std::memset(bytes_, 0, std::size_t{info.member_offset} + info.size + 1);
+    }
+    void clear() { std::memset(bytes_, 0, sizeof bytes_); }
+
+  private:
+    alignas(8) char bytes_[member_offset_max + QRY_LIB_STRING_MAX + 2];
+};
+
+} // namespace norvane

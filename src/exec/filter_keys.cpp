@@ -1,0 +1,224 @@
+// From the statement's key columns and conditions to the numbers of the records that it concerns.
+#include <cstring>
+
+#include "exec/element_buffer.h"
+#include "exec/qry_lib_db_executer.h"
+#include "util/bounded_text.h"
+#include "util/pool_block.h"
+#include "util/trace.h"
+
+namespace norvane {
+
+namespace {
+
+// Copies a value in its element's representation to the start of a key's value area.
+void copy_value(std::uint32_t elem_type, void const *value, char *out) {
+    switch (elem_type) {
+    case element_int:
+    case element_uint:
+    case element_ulong:
+        std::memcpy(out, value, sizeof(std::uint32_t));
+        break;
+    case element_uchar:
+        std::memcpy(out, value, sizeof(std::uint8_t));
+        break;
+    case element_ushort:
+        std::memcpy(out, value, sizeof(std::uint16_t));
+        break;
+    case element_string:
+    case element_name:
+        copy_bounded<QRY_LIB_STRING_MAX>(out, static_cast<const char *>(value));
+        break;
+    default:
+        break; // leaves the value area as it was
+    }
+}
+
+// The record numbers that a search found, given back when they have been read.
+class search_records {
+  public:
+    explicit search_records(qry_lib_tb_search_id id) : id_(id) {}
+    search_records(const search_records &) = delete;
+    search_records &operator=(const search_records &) = delete;
+    ~search_records() { qry_lib_tb_delete_search_table_id(&id_); }
+
+    const std::uint16_t *begin() const { return reinterpret_cast<const std::uint16_t *>(id_); }
+
+  private:
+    qry_lib_tb_search_id id_;
+};
+
+// Where a conversion puts a value, or a read finds it, in the element's buffer.
+char *value_in(element_buffer &buffer, QRY_LIB_ELEMENT_INFO const &info) {
+    return buffer.data() + info.member_offset;
+}
+
+} // namespace
+
+void qry_lib_db_executer::set_filter_key(QRY_LIB_ELEMENT_INFO const &info, QRY_LIB_OPERATION_TYPE operation,
+                                         QRY_LIB_JOIN_TYPE join, void const *value, filter_keys &keys) {
+    qry_lib_tb_list_filter_key_ &key = keys.emplace_back();
+    key.category_id = info.category_id;
+    key.element_id = info.element_id;
+    key.elem_type = static_cast<std::uint8_t>(info.elem_type);
+    key.cmp_size = static_cast<std::uint8_t>(info.size);
+    key.member_offset = info.member_offset;
+    copy_value(info.elem_type, value, key.value);
+    key.operation = operation;
+    key.join = join;
+}
+
+int qry_lib_db_executer::create_filter_key(qry_lib_analyze_info const &info, unsigned int &category,
+                                           filter_keys &keys) {
+    const char *table = info.get_table();
+    const int key_code = info.get_exec_type() == QRY_LIB_DB_QUERY_TYPE_INSERT
+                             ? create_primary_filter_key(table, QRY_LIB_OPERATION_TYPE_EQUAL, info, keys)
+                             : create_primary_filter_key(table, QRY_LIB_OPERATION_TYPE_NOT_EQUAL, keys);
+    if (key_code != 0) {
+        return trace_code(__func__, 768, key_code);
+    }
+    for (std::uint16_t i = 0; i < info.get_filter_cols_num(); ++i) {
+        if (const int code = create_condition_key(info, i, keys); code != 0) {
+            return code;
+        }
+    }
+    if (const int code = catalog_->get_tbdb_category_id(table, category); code != 0) {
+        return trace_code(__func__, 812, code);
+    }
+    return 0;
+}
+
+int qry_lib_db_executer::create_condition_key(qry_lib_analyze_info const &info, std::uint16_t index,
+                                              filter_keys &keys) {
+    static constexpr char name[] = "create_filter_key";
+    QRY_LIB_COLUMN column;
+    QRY_LIB_OPERATION_TYPE operation;
+    QRY_LIB_JOIN_TYPE join;
+    std::int32_t quoted = 0;
+    const std::uint32_t get_code =
+        info.get_filter_cols(index, column.col_name, column.value.str_value, operation, join, quoted);
+    if (get_code != 0) {
+        return trace_code(name, 779, static_cast<int>(get_code));
+    }
+    column.type = QRY_LIB_COLUMN_TYPE_STR;
+    QRY_LIB_ELEMENT_INFO element;
+    if (const int code = catalog_->get_info(info.get_table(), column.col_name, element); code != 0) {
+        return trace_code(name, 786, code);
+    }
+    element_buffer buffer;
+    if (const int code = catalog_->conv_val_db2e_to_tbdb(element, column, buffer.data()); code != 0) {
+        return trace_code(name, 801, code);
+    }
+    set_filter_key(element, operation, join, value_in(buffer, element), keys);
+    return 0;
+}
+
+int qry_lib_db_executer::create_primary_filter_key(char const *table, QRY_LIB_OPERATION_TYPE operation,
+                                                   filter_keys &keys) {
+    if (!catalog_->is_primary_filter_key(table)) {
+        return 0;
+    }
+    std::list<QRY_LIB_ELEMENT_INFO> columns;
+    if (const int code = catalog_->get_primary_key(table, columns); code != 0) {
+        return trace_code(__func__, 849, code);
+    }
+    element_buffer buffer;
+    for (const QRY_LIB_ELEMENT_INFO &column : columns) {
+        buffer.clear(column);
+        const std::uint32_t code =
+            qry_lib_tb_get_stc_default_table(column.category_id, column.element_id, buffer.data());
+        if (code != 0) {
+            return trace_code(__func__, 861, static_cast<int>(code));
+        }
+        set_filter_key(column, operation, QRY_LIB_JOIN_TYPE_AND, value_in(buffer, column), keys);
+    }
+    return 0;
+}
+
+int qry_lib_db_executer::create_primary_filter_key(char const *table, QRY_LIB_OPERATION_TYPE operation,
+                                                   qry_lib_analyze_info const &info, filter_keys &keys) {
+    std::list<QRY_LIB_ELEMENT_INFO> columns;
+    if (const int code = catalog_->get_primary_key(table, columns); code != 0) {
+        return trace_code(__func__, 945, code);
+    }
+    if (!catalog_->is_primary_filter_key(table)) {
+        return 0;
+    }
+    // Every key column must be there before the first value is looked at.
+    target_columns supplied;
+    for (const QRY_LIB_ELEMENT_INFO &column : columns) {
+        target_column &target = supplied.emplace_back();
+        target.element = column;
+        if (find_insert_column(info, column.name, target.column) != 0) {
+            return trace_code(__func__, 982, QRY_LIB_INVALID_ARGUMENT);
+        }
+    }
+    for (const target_column &target : supplied) {
+        element_buffer buffer;
+        if (const int code = catalog_->conv_val_db2e_to_tbdb(target.element, target.column, buffer.data());
+            code != 0) {
+            return trace_code(__func__, 994, code);
+        }
+        char *value = value_in(buffer, target.element);
+        if (const int code = create_primary_filter_key_chk(target.element, value); code != 0) {
+            return trace_code(__func__, 1001, code);
+        }
+        set_filter_key(target.element, operation, QRY_LIB_JOIN_TYPE_AND, value, keys);
+    }
+    return 0;
+}
+
+// The statement's first column of exactly that name. 0, or 0xDB05.
+int qry_lib_db_executer::find_insert_column(qry_lib_analyze_info const &info, const char *name,
+                                            QRY_LIB_COLUMN &column) {
+    for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
+        const std::uint32_t code = info.get_cols(i, column.col_name, &column.value, column.type);
+        if (code == 0 && std::strcmp(column.col_name, name) == 0) {
+            return 0;
+        }
+    }
+    return QRY_LIB_INVALID_ARGUMENT;
+}
+
+int qry_lib_db_executer::create_primary_filter_key_chk(QRY_LIB_ELEMENT_INFO info, char *value) {
+    element_buffer buffer;
+    buffer.clear(info);
+    const std::uint32_t code =
+        qry_lib_tb_get_stc_default_table(info.category_id, info.element_id, buffer.data());
+    if (code != 0) {
+        return trace_code(__func__, 893, static_cast<int>(code));
+    }
+    const char *free_value = value_in(buffer, info);
+    const int order = is_string_element(info.elem_type) ? std::strncmp(value, free_value, info.size)
+                                                        : std::memcmp(value, free_value, info.size);
+    return order == 0 ? QRY_LIB_INVALID_ARGUMENT : 0;
+}
+
+int qry_lib_db_executer::create_search_table_id(unsigned int category, filter_keys &keys,
+                                                record_list &records) {
+    if (keys.size() > UINT16_MAX) {
+        return trace_code(__func__, __LINE__, QRY_LIB_NOT_ACCEPTED);
+    }
+    pool_block block;
+    if (block.take(keys.size(), sizeof(qry_lib_tb_list_filter_key_)) != 0) {
+        return trace_code(__func__, 1430, QRY_LIB_NO_MEMORY);
+    }
+    auto *array = block.as<qry_lib_tb_list_filter_key_>();
+    auto *next = array;
+    for (const qry_lib_tb_list_filter_key_ &key : keys) {
+        std::memcpy(next++, &key, sizeof key);
+    }
+    qry_lib_tb_search_id id = 0;
+    std::uint16_t record_num = 0;
+    const std::uint32_t code = qry_lib_tb_create_search_table_id(
+        category, static_cast<std::uint16_t>(keys.size()), array, &id, &record_num);
+    if (code != 0) {
+        trace_return(__func__, 1448, QRY_LIB_INVALID_ARGUMENT);
+        return static_cast<int>(code);
+    }
+    const search_records found(id);
+    records.insert(records.end(), found.begin(), found.begin() + record_num);
+    return 0;
+}
+
+} // namespace norvane

@@ -1,0 +1,101 @@
+// The executer: carries out one analyzed query on one table against the element tables.
+#pragma once
+
+#include <cstdint>
+#include <list>
+#include <string>
+
+#include <qrylib/element_table.h>
+#include <qrylib/types.h>
+
+#include "exec/qry_lib_table_element.h"
+#include "parser/qry_lib_analyze_info.h"
+#include "platform/sort.h"
+
+namespace norvane {
+
+// One object serves one call at a time. exec() is the whole route; the operations behind it are public so
+// that each can be driven alone, after open_catalog(). All answer 0 or the first failing step's code, traced.
+//
+// A record is in use when its primary key differs from the category's default record: every search but
+// INSERT's starts with one such key for each key column.
+class qry_lib_db_executer {
+  public:
+    using filter_keys = std::list<qry_lib_tb_list_filter_key_>;
+    using record_list = std::list<unsigned short>; // record numbers from 0
+
+    qry_lib_db_executer() = default;
+    qry_lib_db_executer(const qry_lib_db_executer &) = delete;
+    qry_lib_db_executer &operator=(const qry_lib_db_executer &) = delete;
+    ~qry_lib_db_executer() { close_catalog(); }
+
+    // Without a rowset a SELECT only searches. With one, the cursor ends before the first row.
+    int exec(qry_lib_analyze_info const &info);
+    int exec(qry_lib_analyze_info const &info, qry_lib_db_rowset_ &rowset);
+    int exec_internal(qry_lib_analyze_info const &info, qry_lib_db_rowset_ *rowset);
+
+    // A one-line summary of the query, for diagnosis. Written nowhere.
+    std::string log_out_put_analyze_info(qry_lib_analyze_info const &info) const;
+
+    // Selects the database for the operations below: 0, or 0xDB05 for an unknown one.
+    int open_catalog(const char *db_name);
+    void close_catalog() { qry_lib_table_element_factory::delete_elemet(&catalog_); }
+
+    // Filter keys and search (filter_keys.cpp).
+    void set_filter_key(QRY_LIB_ELEMENT_INFO const &info, QRY_LIB_OPERATION_TYPE operation,
+                        QRY_LIB_JOIN_TYPE join, void const *value, filter_keys &keys);
+    int create_primary_filter_key(char const *table, QRY_LIB_OPERATION_TYPE operation, filter_keys &keys);
+    int create_primary_filter_key(char const *table, QRY_LIB_OPERATION_TYPE operation,
+                                  qry_lib_analyze_info const &info, filter_keys &keys);
+
+    // 0xDB05 when `value`, in the element's representation, marks a free record.
+    int create_primary_filter_key_chk(QRY_LIB_ELEMENT_INFO info, char *value);
+    int create_filter_key(qry_lib_analyze_info const &info, unsigned int &category, filter_keys &keys);
+
+    // Appends the numbers of the matching records, ascending.
+    int create_search_table_id(unsigned int category, filter_keys &keys, record_list &records);
+
+    // SELECT and COUNT (select.cpp).
+    int exec_select(qry_lib_analyze_info const &info, record_list records, qry_lib_db_rowset_ &rowset);
+    int exec_select_proc(qry_lib_analyze_info const &info, record_list records, qry_lib_db_rowset_ &rowset);
+    int add_standard_cols(qry_lib_analyze_info &info);
+
+    // ORDER BY (sort.cpp). `count` is the byte size of the pointer array.
+    int sort_tbdb_table_id(qry_lib_analyze_info const &info, record_list const &records, record_list &sorted);
+    int sort_tbdb_table_id_internal(void **items, std::uint32_t count, QRY_LIB_ODER_TYPE order,
+                                    QRY_LIB_ELEMENT_INFO element, record_list records, record_list &sorted);
+    int sort_internal(void **items, std::uint32_t count, QRY_LIB_ODER_TYPE order, char *block,
+                      QRY_LIB_ELEMENT_INFO element, record_list records, record_list &sorted);
+    void create_sort_param(QRY_LIB_ELEMENT_INFO const &element, QRY_LIB_ODER_TYPE order, std::uint32_t count,
+                           CMN_LIB_SORT_PARAM_T &param);
+
+    // INSERT, UPDATE, DELETE (write.cpp). Writes made before a failure stay made.
+    int exec_insert(qry_lib_analyze_info const &info, unsigned int category, record_list records);
+    int exec_new_insert(qry_lib_analyze_info const &info, unsigned int category);
+    int exec_update_insert(qry_lib_analyze_info const &info, record_list records);
+    int exec_update(qry_lib_analyze_info const &info, record_list records);
+    int exec_delete(qry_lib_analyze_info const &info, unsigned int category, record_list records);
+    int set_tb_table(qry_lib_analyze_info const &info, record_list records);
+
+  private:
+    // A column of the statement and where it lies.
+    struct target_column {
+        QRY_LIB_COLUMN column;
+        QRY_LIB_ELEMENT_INFO element;
+    };
+    using target_columns = std::list<target_column>;
+
+    int dispatch(qry_lib_analyze_info const &info, unsigned int category, record_list records,
+                 qry_lib_db_rowset_ *rowset);
+    int create_condition_key(qry_lib_analyze_info const &info, std::uint16_t index, filter_keys &keys);
+    int find_insert_column(qry_lib_analyze_info const &info, const char *name, QRY_LIB_COLUMN &column);
+    int resolve_selected(qry_lib_analyze_info const &info, target_columns &columns);
+    int read_rows(target_columns const &columns, const char *table, record_list const &records,
+                  qry_lib_db_rowset_ &rowset);
+    int resolve_written(qry_lib_analyze_info const &info, target_columns &columns);
+    int write_column(target_column const &target, unsigned short record);
+
+    qry_lib_table_element *catalog_ = nullptr;
+};
+
+} // namespace norvane

@@ -1,0 +1,258 @@
+// The filtered search: visits every record position of a category once, reading one value for each key
+// through list tables rather than whole records.
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include <qrylib/element_table.h>
+
+#include "exec/element_buffer.h"
+#include "platform/element_table.h"
+#include "platform/os.h"
+#include "util/bounded_text.h"
+#include "util/pool_block.h"
+#include "util/tb_string.h"
+#include "util/trace.h"
+
+using norvane::element_buffer;
+using norvane::is_string_element;
+using norvane::pool_block;
+using norvane::trace_return;
+
+namespace {
+
+constexpr char search_name[] = "qry_lib_tb_create_search_table_id";
+
+bool is_range(QRY_LIB_OPERATION_TYPE operation) {
+    return operation >= QRY_LIB_OPERATION_TYPE_LESS && operation <= QRY_LIB_OPERATION_TYPE_GREATER_EQUAL;
+}
+
+bool is_allowed(const qry_lib_tb_list_filter_key_ &key) {
+    return is_string_element(key.elem_type) ? !is_range(key.operation)
+                                            : key.operation != QRY_LIB_OPERATION_TYPE_LIKE;
+}
+
+// The row value lies within the buffer, and a string to compare with has its end.
+bool is_well_formed(const qry_lib_tb_list_filter_key_ &key) {
+    if (is_string_element(key.elem_type)) {
+        return key.member_offset < QRY_LIB_STRING_MAX &&
+               norvane::fits(static_cast<const char *>(key.value), QRY_LIB_STRING_MAX);
+    }
+    return key.member_offset + std::uint32_t{key.cmp_size} <= sizeof key.value;
+}
+
+// Bytes of a number of the type; 0: no number, compared as bytes alone.
+std::uint32_t number_width(std::uint8_t elem_type) {
+    switch (elem_type) {
+    case norvane::element_int:
+    case norvane::element_uint:
+    case norvane::element_ulong:
+        return 4;
+    case norvane::element_uchar:
+        return 1;
+    case norvane::element_ushort:
+        return 2;
+    default:
+        return 0;
+    }
+}
+
+std::uint32_t load_number(const char *from, std::uint32_t width) {
+    std::uint8_t one = 0;
+    std::uint16_t two = 0;
+    std::uint32_t four = 0;
+    switch (width) {
+    case 1:
+        std::memcpy(&one, from, 1);
+        return one;
+    case 2:
+        std::memcpy(&two, from, 2);
+        return two;
+    default:
+        std::memcpy(&four, from, 4);
+        return four;
+    }
+}
+
+// Compares as the bytes compare where the most significant byte comes first: as unsigned numbers, of which a
+// cmp_size below the number's width leaves the leading bytes, and bytes behind the number as they stand.
+int compare_numbers(const qry_lib_tb_list_filter_key_ &key, const char *row) {
+    const std::uint32_t width = number_width(key.elem_type);
+    const std::uint32_t compared = std::min<std::uint32_t>(width, key.cmp_size);
+    if (compared > 0) {
+        const std::uint32_t dropped_bits = 8 * (width - compared);
+        const std::uint32_t key_number = load_number(key.value, width) >> dropped_bits;
+        const std::uint32_t row_number = load_number(row, width) >> dropped_bits;
+        if (key_number != row_number) {
+            return key_number < row_number ? -1 : 1;
+        }
+    }
+    return std::memcmp(key.value + compared, row + compared, key.cmp_size - compared);
+}
+
+bool holds(const qry_lib_tb_list_filter_key_ &key, const char *row) {
+    if (key.operation == QRY_LIB_OPERATION_TYPE_LIKE) {
+        return norvane::tb_strncmp(key.value, row, static_cast<std::uint32_t>(std::strlen(key.value))) == 0;
+    }
+    const int order =
+        is_string_element(key.elem_type) ? norvane::tb_strcmp(key.value, row) : compare_numbers(key, row);
+    switch (key.operation) {
+    case QRY_LIB_OPERATION_TYPE_EQUAL:
+        return order == 0;
+    case QRY_LIB_OPERATION_TYPE_NOT_EQUAL:
+        return order != 0;
+    case QRY_LIB_OPERATION_TYPE_LESS:
+        return order > 0;
+    case QRY_LIB_OPERATION_TYPE_GREATER:
+        return order < 0;
+    case QRY_LIB_OPERATION_TYPE_LESS_EQUAL:
+        return order >= 0;
+    case QRY_LIB_OPERATION_TYPE_GREATER_EQUAL:
+        return order <= 0;
+    default:
+        return false; // the list forms never reach a search
+    }
+}
+
+// One list table for each key, deleted when the search ends.
+class list_tables {
+  public:
+    list_tables(std::uint32_t category, std::uint16_t key_num, const qry_lib_tb_list_filter_key_ *keys,
+                std::uint16_t record_num)
+        : lists_(key_num) {
+        for (std::uint16_t i = 0; i < key_num; ++i) {
+            const std::uint32_t code =
+                tbctSTCCreateListTable(category, keys[i].element_id, record_num, &lists_[i]);
+            if (code != 0) {
+                // The search goes on without its lists and fails at the first record.
+                delete_all();
+                trace_return("qry_lib_tb_create_list_table", 805, code);
+            }
+        }
+    }
+    list_tables(const list_tables &) = delete;
+    list_tables &operator=(const list_tables &) = delete;
+    ~list_tables() { delete_all(); }
+
+    tbctListTable *operator[](std::size_t index) { return &lists_[index]; }
+
+  private:
+    // Harmless on lists that were not created or are deleted already.
+    void delete_all() {
+        for (tbctListTable &list : lists_) {
+            tbctSTCDeleteListTable(&list, 0);
+        }
+    }
+
+    std::vector<tbctListTable> lists_;
+};
+
+enum class row_result { match, no_match, failure };
+
+// Tests one record, strictly left to right: an OR key that holds ends the test with a match, any other key
+// that fails ends it without one.
+row_result test_row(std::uint16_t position, std::uint16_t key_num, const qry_lib_tb_list_filter_key_ *keys,
+                    list_tables &lists, element_buffer &buffer) {
+    bool matches = key_num == 0;
+    for (std::uint16_t i = 0; i < key_num; ++i) {
+        if (tbctSTCListTableSetPos(lists[i], position) != 0) {
+            trace_return(search_name, 519, QRY_LIB_TABLE_ACCESS);
+            return row_result::failure;
+        }
+        buffer.clear();
+        tbctSTCListTableGetVal(lists[i], buffer.data());
+        matches = holds(keys[i], buffer.at(keys[i].member_offset));
+        const bool is_or = keys[i].join == QRY_LIB_JOIN_TYPE_OR;
+        if (matches == is_or) {
+            break;
+        }
+    }
+    return matches ? row_result::match : row_result::no_match;
+}
+
+std::uint32_t check_arguments(std::uint16_t key_num, const qry_lib_tb_list_filter_key_ *keys,
+                              const qry_lib_tb_search_id *search_id, const std::uint16_t *hit_num) {
+    if (hit_num == nullptr) {
+        return trace_return(search_name, 408, QRY_LIB_TABLE_ARGUMENT);
+    }
+    if (search_id == nullptr || (keys == nullptr && key_num > 0)) {
+        return trace_return(search_name, __LINE__, QRY_LIB_TABLE_ARGUMENT);
+    }
+    if (!std::all_of(keys, keys + key_num, is_allowed)) {
+        return trace_return(search_name, 415, QRY_LIB_TABLE_ARGUMENT);
+    }
+    if (!std::all_of(keys, keys + key_num, is_well_formed)) {
+        return trace_return(search_name, __LINE__, QRY_LIB_TABLE_ARGUMENT);
+    }
+    return 0;
+}
+
+void free_records(qry_lib_tb_search_id *search_id) {
+    if (*search_id != 0) {
+        pfwOSWOrgFreeMemPart(0, reinterpret_cast<void *>(*search_id));
+        *search_id = 0;
+    }
+}
+
+} // namespace
+
+extern "C" {
+
+uint32_t qry_lib_tb_get_max_stc_table_number(uint32_t category, uint16_t *max) {
+    if (max == nullptr) {
+        return QRY_LIB_TABLE_ARGUMENT;
+    }
+    for (const QRY_LIB_TB_MAX_ROW &row : QRY_LIB_TB_MAX_TABLE) {
+        if (row.category == category) {
+            *max = row.max_number;
+            return 0;
+        }
+    }
+    return QRY_LIB_TABLE_ARGUMENT;
+}
+
+uint32_t qry_lib_tb_create_search_table_id(uint32_t category, uint16_t key_num,
+                                           qry_lib_tb_list_filter_key_ *keys, qry_lib_tb_search_id *search_id,
+                                           uint16_t *hit_num) {
+    if (const uint32_t code = check_arguments(key_num, keys, search_id, hit_num); code != 0) {
+        return code;
+    }
+    uint16_t record_num = 0;
+    if (const uint32_t code = qry_lib_tb_get_max_stc_table_number(category, &record_num); code != 0) {
+        return trace_return(search_name, 422, code);
+    }
+    pool_block block;
+    if (block.take(record_num, sizeof(uint16_t)) != 0) {
+        trace_return("qry_lib_tb_alloc_mem", 690, QRY_LIB_TABLE_ACCESS);
+        return trace_return(search_name, 429, QRY_LIB_TABLE_ACCESS);
+    }
+    list_tables lists(category, key_num, keys, record_num);
+    element_buffer buffer;
+    uint16_t *records = block.as<uint16_t>();
+    uint16_t found = 0;
+    for (uint16_t position = 0; position < record_num; ++position) {
+        switch (test_row(position, key_num, keys, lists, buffer)) {
+        case row_result::match:
+            records[found++] = position;
+            break;
+        case row_result::no_match:
+            break;
+        case row_result::failure:
+            // What goes back is the block that the caller's id names; the search's own stays lost.
+            free_records(search_id);
+            block.release();
+            return trace_return(search_name, 452, QRY_LIB_TABLE_ACCESS);
+        }
+    }
+    *hit_num = found;
+    *search_id = reinterpret_cast<qry_lib_tb_search_id>(block.release());
+    return 0;
+}
+
+void qry_lib_tb_delete_search_table_id(qry_lib_tb_search_id *search_id) {
+    if (search_id != nullptr) {
+        free_records(search_id);
+    }
+}
+
+} // extern "C"

@@ -1,0 +1,133 @@
+// SELECT and COUNT: the found records become the rows of the caller's rowset.
+#include "api/qry_lib_db_rowset_lib.h"
+#include "exec/element_buffer.h"
+#include "exec/qry_lib_db_executer.h"
+#include "util/bounded_text.h"
+#include "util/trace.h"
+
+namespace norvane {
+
+namespace {
+
+// Frees a rowset that is not filled to its end, also when an exception passes.
+class unfinished_rowset {
+  public:
+    explicit unfinished_rowset(qry_lib_db_rowset_ &rowset) : rowset_(&rowset) {}
+    unfinished_rowset(const unfinished_rowset &) = delete;
+    unfinished_rowset &operator=(const unfinished_rowset &) = delete;
+    ~unfinished_rowset() {
+        if (rowset_ != nullptr) {
+            qry_lib_db_rowset_lib().delete_rowset(*rowset_);
+        }
+    }
+    void finish() { rowset_ = nullptr; }
+
+  private:
+    qry_lib_db_rowset_ *rowset_;
+};
+
+} // namespace
+
+int qry_lib_db_executer::exec_select(qry_lib_analyze_info const &info, record_list records,
+                                     qry_lib_db_rowset_ &rowset) {
+    if (info.get_cols_num() != 0) {
+        const int code = exec_select_proc(info, std::move(records), rowset);
+        return code == 0 ? 0 : trace_code(__func__, 316, code);
+    }
+    qry_lib_analyze_info counted(info);
+    if (const int code = add_standard_cols(counted); code != 0) {
+        return trace_code(__func__, 326, code);
+    }
+    const int code = exec_select_proc(counted, std::move(records), rowset);
+    return code == 0 ? 0 : trace_code(__func__, 332, code);
+}
+
+// A COUNT reads the key columns, or the edit counter's first, so that there is a row for each record.
+int qry_lib_db_executer::add_standard_cols(qry_lib_analyze_info &info) {
+    static constexpr QRY_LIB_COLUMN_VALUE no_value{};
+    if (!catalog_->is_primary_filter_key(info.get_table())) {
+        char name[sizeof(QRY_LIB_ELEMENT_INFO::name)];
+        if (const int code = catalog_->get_first_field_name(info.get_table(), name); code != 0) {
+            return trace_code(__func__, 1495, code);
+        }
+        info.add_cols(name, no_value, QRY_LIB_COLUMN_TYPE_STR);
+        return 0;
+    }
+    std::list<QRY_LIB_ELEMENT_INFO> keys;
+    if (const int code = catalog_->get_primary_key(info.get_table(), keys); code != 0) {
+        return trace_code(__func__, 1505, code);
+    }
+    for (const QRY_LIB_ELEMENT_INFO &key : keys) {
+        info.add_cols(key.name, no_value, QRY_LIB_COLUMN_TYPE_STR);
+    }
+    return 0;
+}
+
+int qry_lib_db_executer::exec_select_proc(qry_lib_analyze_info const &info, record_list records,
+                                          qry_lib_db_rowset_ &rowset) {
+    const auto row_num = static_cast<std::uint16_t>(records.size());
+    if (qry_lib_db_rowset_lib().init_rowset(info.get_cols_num(), row_num, rowset) != 0) {
+        return trace_code(__func__, 380, QRY_LIB_ROWSET_NOT_CREATED);
+    }
+    unfinished_rowset unfinished(rowset);
+    record_list sorted;
+    if (const int code = sort_tbdb_table_id(info, records, sorted); code != 0) {
+        return trace_code(__func__, 387, code);
+    }
+    target_columns columns;
+    if (const int code = resolve_selected(info, columns); code != 0) {
+        return code;
+    }
+    if (const int code = read_rows(columns, info.get_table(), sorted, rowset); code != 0) {
+        return code;
+    }
+    unfinished.finish();
+    return 0;
+}
+
+int qry_lib_db_executer::resolve_selected(qry_lib_analyze_info const &info, target_columns &columns) {
+    static constexpr char name[] = "exec_select_proc";
+    for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
+        target_column &selected = columns.emplace_back();
+        QRY_LIB_COLUMN &column = selected.column;
+        const std::uint32_t get_code = info.get_cols(i, column.col_name, &column.value, column.type);
+        if (get_code != 0) {
+            return trace_code(name, 400, static_cast<int>(get_code));
+        }
+        if (const int code = catalog_->get_info(info.get_table(), column.col_name, selected.element);
+            code != 0) {
+            return trace_code(name, 408, code);
+        }
+    }
+    return 0;
+}
+
+// Writes each value once, where the caller will read it.
+int qry_lib_db_executer::read_rows(target_columns const &columns, const char *table,
+                                   record_list const &records, qry_lib_db_rowset_ &rowset) {
+    static constexpr char name[] = "exec_select_proc";
+    const qry_lib_db_rowset_lib rows;
+    element_buffer buffer;
+    for (const unsigned short record : records) {
+        rows.next_record_index(rowset);
+        std::uint16_t index = 0;
+        for (const target_column &selected : columns) {
+            const QRY_LIB_ELEMENT_INFO &element = selected.element;
+            buffer.clear(element);
+            const std::uint32_t code =
+                qry_lib_tb_get_stc_table(element.category_id, record, element.element_id, buffer.data());
+            if (code != 0) {
+                return trace_code(name, 436, static_cast<int>(code));
+            }
+            QRY_LIB_COLUMN *column = rows.col_at(rowset, index++);
+            if (column == nullptr) {
+                return trace_code(name, 450, QRY_LIB_INVALID_ARGUMENT);
+            }
+            catalog_->conv_val_tbdb_to_db2e(element, selected.column.col_name, buffer.data(), *column);
+            copy_bounded(column->table_name, table);
+        }
+    }
+    return 0;
+}
+
+} // namespace norvane

@@ -1,0 +1,125 @@
+// INSERT, UPDATE and DELETE. There is no undo: what was written before a failure stays written.
+#include "exec/element_buffer.h"
+#include "exec/qry_lib_db_executer.h"
+#include "util/trace.h"
+
+namespace norvane {
+
+namespace {
+
+constexpr std::uint32_t requester = 0x2301; // who writes, as the element tables know this library
+
+bool fits_element(const QRY_LIB_COLUMN &column, const QRY_LIB_ELEMENT_INFO &element) {
+    return !is_string_element(element.elem_type) || column_text(column).length() < element.size;
+}
+
+} // namespace
+
+int qry_lib_db_executer::exec_insert(qry_lib_analyze_info const &info, unsigned int category,
+                                     record_list records) {
+    // An existing key is overwritten.
+    return records.empty() ? exec_new_insert(info, category) : exec_update_insert(info, std::move(records));
+}
+
+int qry_lib_db_executer::exec_new_insert(qry_lib_analyze_info const &info, unsigned int category) {
+    filter_keys keys;
+    if (const int code = create_primary_filter_key(info.get_table(), QRY_LIB_OPERATION_TYPE_EQUAL, keys);
+        code != 0) {
+        return code;
+    }
+    record_list free_records;
+    if (const int code = create_search_table_id(category, keys, free_records); code != 0) {
+        return trace_code(__func__, 595, code);
+    }
+    if (free_records.empty()) {
+        return trace_code(__func__, 603, QRY_LIB_NO_FREE_ENTRY);
+    }
+    const int code = set_tb_table(info, {free_records.front()});
+    return code == 0 ? 0 : trace_code(__func__, 615, code);
+}
+
+int qry_lib_db_executer::exec_update_insert(qry_lib_analyze_info const &info, record_list records) {
+    const int code = set_tb_table(info, std::move(records));
+    return code == 0 ? 0 : trace_code(__func__, 642, code);
+}
+
+int qry_lib_db_executer::exec_update(qry_lib_analyze_info const &info, record_list records) {
+    if (records.empty()) {
+        return trace_code(__func__, 705, QRY_LIB_NO_SUCH_ITEM);
+    }
+    const int code = set_tb_table(info, std::move(records));
+    return code == 0 ? 0 : trace_code(__func__, 712, code);
+}
+
+int qry_lib_db_executer::exec_delete(qry_lib_analyze_info const &, unsigned int category,
+                                     record_list records) {
+    for (const unsigned short record : records) {
+        if (qry_lib_tb_reset_one_stc_table(category, record) != 0) {
+            return trace_code(__func__, 680, QRY_LIB_FAILURE);
+        }
+    }
+    return 0;
+}
+
+int qry_lib_db_executer::set_tb_table(qry_lib_analyze_info const &info, record_list records) {
+    target_columns columns;
+    if (const int code = resolve_written(info, columns); code != 0) {
+        return code;
+    }
+    if (records.empty()) {
+        return 0;
+    }
+    for (const target_column &target : columns) {
+        if (!fits_element(target.column, target.element)) {
+            return trace_code(__func__, __LINE__, QRY_LIB_INVALID_ARGUMENT);
+        }
+    }
+    for (const unsigned short record : records) {
+        for (const target_column &target : columns) {
+            if (const int code = write_column(target, record); code != 0) {
+                return code;
+            }
+        }
+    }
+    return 0;
+}
+
+int qry_lib_db_executer::resolve_written(qry_lib_analyze_info const &info, target_columns &columns) {
+    static constexpr char name[] = "set_tb_table";
+    for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
+        target_column &target = columns.emplace_back();
+        QRY_LIB_COLUMN &column = target.column;
+        const std::uint32_t get_code = info.get_cols(i, column.col_name, &column.value, column.type);
+        if (get_code != 0) {
+            return trace_code(name, 1134, static_cast<int>(get_code));
+        }
+        if (const int code = catalog_->get_info(info.get_table(), column.col_name, target.element);
+            code != 0) {
+            return trace_code(name, 1142, code);
+        }
+    }
+    return 0;
+}
+
+int qry_lib_db_executer::write_column(target_column const &target, unsigned short record) {
+    static constexpr char name[] = "set_tb_table";
+    const QRY_LIB_ELEMENT_INFO &element = target.element;
+    element_buffer buffer;
+    buffer.clear();
+    // The other members of a composite element keep their values.
+    if (element.is_member == 1) {
+        const std::uint32_t code =
+            qry_lib_tb_get_stc_table(element.category_id, record, element.element_id, buffer.data());
+        if (code != 0) {
+            return trace_code(name, 1167, static_cast<int>(code));
+        }
+    }
+    if (const int code = catalog_->conv_val_db2e_to_tbdb(element, target.column, buffer.data()); code != 0) {
+        return trace_code(name, 1175, code);
+    }
+    const std::uint32_t code =
+        qry_lib_tb_set_stc_table(requester, element.category_id, record, element.element_id, buffer.data());
+    return code == 0 ? 0 : trace_code(name, 1183, static_cast<int>(code));
+}
+
+} // namespace norvane

@@ -1,0 +1,249 @@
+// SELECT text: its four clauses, the column and table lists, the sort phrase.
+#include "parser/qry_lib_sql_parser.h"
+#include "util/bounded_text.h"
+#include "util/pool_block.h"
+#include "util/trace.h"
+
+namespace norvane {
+
+namespace {
+
+constexpr std::size_t count_max = UINT16_MAX;
+
+} // namespace
+
+std::uint32_t qry_lib_sql_parser::divide_select_reserve_str(const char *sql, std::string &cols,
+                                                            std::string &tables, std::string &where,
+                                                            std::string &order) const {
+    // The blank in front lets SELECT stand at the very start.
+    const std::size_t length = std::strlen(sql);
+    pool_block scratch;
+    if (scratch.take(std::uint64_t{length} + 2) != 0) {
+        return trace_return(__func__, 924, QRY_LIB_NO_MEMORY);
+    }
+    scratch.as<char>()[0] = ' ';
+    std::memcpy(scratch.as<char>() + 1, sql, length + 1);
+    return divide_clauses(scratch.as<char>(), cols, tables, where, order);
+}
+
+std::uint32_t qry_lib_sql_parser::divide_clauses(const char *text, std::string &cols, std::string &tables,
+                                                 std::string &where, std::string &order) const {
+    static constexpr char name[] = "divide_select_reserve_str";
+    std::vector<std::string> at_select;
+    unsigned int count = 0;
+    if (divide_keyword(text, " SELECT ", count, at_select) != 0 || count != 2) {
+        return trace_return(name, 936, QRY_LIB_NOT_ACCEPTED);
+    }
+    if (trim_space_front_rear(trim_both, at_select[0]) != 0 || !at_select[0].empty()) {
+        return trace_return(name, 945, QRY_LIB_NOT_ACCEPTED);
+    }
+    std::vector<std::string> at_from;
+    if (divide_keyword(at_select[1].c_str(), " FROM ", count, at_from) != 0 || count != 2) {
+        return trace_return(name, 957, QRY_LIB_NOT_ACCEPTED);
+    }
+    std::string &list = at_from[0];
+    const std::uint32_t code = trim_space_all(list.data());
+    list.resize(std::strlen(list.c_str()));
+    if (code != 0 || list.empty()) {
+        return trace_return(name, 967, QRY_LIB_NOT_ACCEPTED);
+    }
+    cols = std::move(list);
+    return divide_after_from(at_from[1], tables, where, order);
+}
+
+std::uint32_t qry_lib_sql_parser::divide_after_from(const std::string &text, std::string &tables,
+                                                    std::string &where, std::string &order) const {
+    static constexpr char name[] = "divide_select_reserve_str";
+    std::vector<std::string> at_order;
+    const found sorted = find_two_keyword(text.c_str(), " ORDER ", " BY ", at_order).outcome;
+    if (sorted == found::repeated || sorted == found::no_memory) {
+        return trace_return(name, 985, QRY_LIB_NOT_ACCEPTED);
+    }
+    std::string rest = sorted == found::yes ? at_order[0] : text;
+    // A blank sort phrase is dropped: the query runs unsorted.
+    if (sorted == found::yes && at_order[1].find_first_not_of(' ') != std::string::npos) {
+        order = std::move(at_order[1]);
+    }
+    std::vector<std::string> at_where;
+    const found filtered = find_where(rest.c_str(), at_where).outcome;
+    if (filtered == found::repeated || filtered == found::no_memory) {
+        return trace_return(name, 1007, QRY_LIB_NOT_ACCEPTED);
+    }
+    if (filtered == found::yes) {
+        where = std::move(at_where[0]);
+        tables = std::move(at_where[1]);
+        return 0;
+    }
+    if (!trimmed(rest)) {
+        return trace_return(name, 1019, QRY_LIB_NOT_ACCEPTED);
+    }
+    tables = std::move(rest);
+    return 0;
+}
+
+std::uint32_t qry_lib_sql_parser::analyze_sql_select(const char *db_name, const char *sql,
+                                                     qry_lib_analyze_info &info) const {
+    info.set_db_name(db_name);
+    std::string cols;
+    std::string tables;
+    std::string where;
+    std::string order;
+    if (divide_select_reserve_str(sql, cols, tables, where, order) != 0) {
+        return trace_return(__func__, 165, QRY_LIB_NOT_ACCEPTED);
+    }
+    if (const std::uint32_t code = set_select_tables(tables, info); code != 0) {
+        return code;
+    }
+    if (!where.empty() && set_filter_str(where.c_str(), info) != 0) {
+        return trace_return(__func__, 213, QRY_LIB_NOT_ACCEPTED);
+    }
+    if (!order.empty() && set_sort_str(order.c_str(), info) != 0) {
+        return trace_return(__func__, 222, QRY_LIB_NOT_ACCEPTED);
+    }
+    return set_select_cols(cols, !order.empty(), info);
+}
+
+std::uint32_t qry_lib_sql_parser::set_select_tables(const std::string &tables,
+                                                    qry_lib_analyze_info &info) const {
+    static constexpr char name[] = "analyze_sql_select";
+    std::vector<std::string> items;
+    unsigned int count = 0;
+    if (divide_keyword(tables.c_str(), ",", count, items) != 0) {
+        return trace_return(name, 172, QRY_LIB_NOT_ACCEPTED);
+    }
+    if (count > count_max || (count == 0 && tables.size() > QRY_LIB_TABLE_NAME_MAX)) {
+        return trace_return(name, __LINE__, QRY_LIB_NOT_ACCEPTED);
+    }
+    if (count == 0) {
+        info.set_table(tables.c_str());
+    }
+    for (const std::string &item : items) {
+        pool_block table;
+        if (table.take(std::uint64_t{item.size()} + 1) != 0) {
+            return trace_return(name, 180, QRY_LIB_NO_MEMORY);
+        }
+        std::memcpy(table.as<char>(), item.c_str(), item.size() + 1);
+        if (trim_space_front_rear(trim_both, table.as<char>()) != 0 || table.as<char>()[0] == '\0') {
+            return trace_return(name, 191, QRY_LIB_NOT_ACCEPTED);
+        }
+        if (!fits(table.as<char>(), QRY_LIB_TABLE_NAME_MAX)) {
+            return trace_return(name, __LINE__, QRY_LIB_NOT_ACCEPTED);
+        }
+        info.add_table(table.as<char>());
+    }
+    return 0;
+}
+
+std::uint32_t qry_lib_sql_parser::set_select_cols(const std::string &cols, bool sorted,
+                                                  qry_lib_analyze_info &info) const {
+    static constexpr char name[] = "analyze_sql_select";
+    pool_block list;
+    if (list.take(std::uint64_t{cols.size()} + 1) != 0) {
+        return trace_return(name, 231, QRY_LIB_NO_MEMORY);
+    }
+    std::memcpy(list.as<char>(), cols.c_str(), cols.size() + 1);
+    unsigned int comma_num = 0;
+    unsigned int count_num = 0;
+    get_keyword_num(list.as<char>(), ",", comma_num);
+    get_keyword_num(list.as<char>(), "COUNT(*)", count_num);
+    if (count_num > 0 && (comma_num > 0 || sorted)) {
+        trace_return(name, comma_num > 0 ? 242 : 249, QRY_LIB_OK);
+        return QRY_LIB_NOT_ACCEPTED;
+    }
+    if (count_num > 0) {
+        info.set_exec_type(QRY_LIB_DB_QUERY_TYPE_COUNT);
+        return 0;
+    }
+    info.set_exec_type(QRY_LIB_DB_QUERY_TYPE_SELECT);
+    std::vector<std::string> items;
+    unsigned int count = 0;
+    if (divide_keyword(list.as<char>(), ",", count, items) != 0) {
+        return trace_return(name, 269, QRY_LIB_NOT_ACCEPTED);
+    }
+    if (count == 0) {
+        return add_select_col(cols, info);
+    }
+    for (const std::string &item : items) {
+        if (item.empty()) {
+            return trace_return(name, 289, QRY_LIB_NOT_ACCEPTED);
+        }
+        if (const std::uint32_t code = add_select_col(item, info); code != 0) {
+            return code;
+        }
+    }
+    return 0;
+}
+
+// Records a column without a value yet: the empty string, zeros behind it.
+std::uint32_t qry_lib_sql_parser::add_select_col(const std::string &col, qry_lib_analyze_info &info) const {
+    static constexpr QRY_LIB_COLUMN_VALUE no_value{};
+    if (col.size() > QRY_LIB_COLUMN_NAME_MAX || info.get_cols_num() == count_max) {
+        return trace_return("analyze_sql_select", __LINE__, QRY_LIB_NOT_ACCEPTED);
+    }
+    info.add_cols(col.c_str(), no_value, QRY_LIB_COLUMN_TYPE_STR);
+    return 0;
+}
+
+std::uint32_t qry_lib_sql_parser::set_sort_str(const char *sort_phrase, qry_lib_analyze_info &info) const {
+    pool_block column;
+    if (column.take_zeroed(std::uint64_t{std::strlen(sort_phrase)} + 1) != 0) {
+        return trace_return(__func__, 1597, QRY_LIB_NO_MEMORY);
+    }
+    unsigned char order = QRY_LIB_ODER_TYPE_NOTHING;
+    if (const std::uint32_t code = analyze_sort(sort_phrase, column.as<char>(), order); code != 0) {
+        return trace_return(__func__, 1604, code);
+    }
+    if (!fits(column.as<char>(), QRY_LIB_COLUMN_NAME_MAX)) {
+        return trace_return(__func__, __LINE__, QRY_LIB_NOT_ACCEPTED);
+    }
+    info.set_order(column.as<char>(), static_cast<QRY_LIB_ODER_TYPE>(order));
+    return 0;
+}
+
+std::uint32_t qry_lib_sql_parser::analyze_sort(const char *sort_phrase, char *column,
+                                               unsigned char &order) const {
+    if (std::strchr(sort_phrase, ',') != nullptr) {
+        return trace_return(__func__, 2182, QRY_LIB_NOT_ACCEPTED);
+    }
+    unsigned int desc_num = 0;
+    unsigned int asc_num = 0;
+    get_keyword_num(sort_phrase, " DESC", desc_num);
+    get_keyword_num(sort_phrase, " ASC", asc_num);
+    if (desc_num > 0 && asc_num > 0) {
+        return trace_return(__func__, 2194, QRY_LIB_NOT_ACCEPTED);
+    }
+    if (desc_num == 0 && asc_num == 0) {
+        std::memcpy(column, sort_phrase, std::strlen(sort_phrase) + 1);
+        const std::uint32_t code = trim_space_front_rear(trim_both, column);
+        if (code != 0 || column[0] == '\0') {
+            return trace_return(__func__, 2203, code);
+        }
+        order = QRY_LIB_ODER_TYPE_ASC;
+        return 0;
+    }
+    order = desc_num > 0 ? QRY_LIB_ODER_TYPE_DESC : QRY_LIB_ODER_TYPE_ASC;
+    return split_sort(sort_phrase, desc_num > 0 ? " DESC" : " ASC", column);
+}
+
+// The column is what stands before the direction word; what follows the word is ignored.
+std::uint32_t qry_lib_sql_parser::split_sort(const char *sort_phrase, const char *direction,
+                                             char *column) const {
+    static constexpr char name[] = "analyze_sort";
+    std::vector<std::string> pieces;
+    unsigned int count = 0;
+    if (divide_keyword(sort_phrase, direction, count, pieces) != 0 || count != 2) {
+        return trace_return(name, 2226, QRY_LIB_NOT_ACCEPTED);
+    }
+    pool_block scratch;
+    if (scratch.take(std::uint64_t{pieces[0].size()} + 1) != 0) {
+        return trace_return(name, 2234, QRY_LIB_NO_MEMORY);
+    }
+    std::memcpy(scratch.as<char>(), pieces[0].c_str(), pieces[0].size() + 1);
+    if (trim_space_front_rear(trim_both, scratch.as<char>()) != 0 || scratch.as<char>()[0] == '\0') {
+        return trace_return(name, 2243, QRY_LIB_NOT_ACCEPTED);
+    }
+    std::memcpy(column, scratch.as<char>(), std::strlen(scratch.as<char>()) + 1);
+    return 0;
+}
+
+} // namespace norvane

@@ -1,0 +1,289 @@
+// Text scanning: trimming, splitting at keywords, peeling quotes, brackets and percent signs.
+#include <cstring>
+
+#include "parser/qry_lib_sql_parser.h"
+#include "util/pool_block.h"
+#include "util/trace.h"
+
+namespace norvane {
+
+namespace {
+
+constexpr char blank = ' ';
+
+// The span that is left of a text of `length` characters when blanks at its ends are dropped.
+struct span {
+    std::size_t begin;
+    std::size_t end;
+
+    std::size_t length() const { return begin < end ? end - begin : 0; }
+};
+
+span without_outer_blanks(unsigned char mode, const char *text, std::size_t length) {
+    span rest{0, length};
+    if ((mode & qry_lib_sql_parser::trim_front) != 0) {
+        while (rest.begin < length && text[rest.begin] == blank) {
+            ++rest.begin;
+        }
+    }
+    if ((mode & qry_lib_sql_parser::trim_rear) != 0) {
+        while (rest.end > 0 && text[rest.end - 1] == blank) {
+            --rest.end;
+        }
+    }
+    return rest;
+}
+
+// Takes a scratch copy of the text and its terminator. The code of the memory partition.
+std::uint32_t copy_to_scratch(pool_block &scratch, const char *text, std::size_t length) {
+    const std::uint32_t code = scratch.take(std::uint64_t{length} + 1);
+    if (code == 0) {
+        std::memcpy(scratch.as<char>(), text, length + 1);
+    }
+    return code;
+}
+
+} // namespace
+
+std::uint32_t qry_lib_sql_parser::trim_space_front_rear(unsigned char mode, char *text) const {
+    if (std::strchr(text, blank) == nullptr) {
+        return 0;
+    }
+    const std::size_t length = std::strlen(text);
+    pool_block scratch;
+    if (copy_to_scratch(scratch, text, length) != 0) {
+        return trace_return(__func__, 2331, QRY_LIB_NO_MEMORY);
+    }
+    const span rest = without_outer_blanks(mode, scratch.as<char>(), length);
+    std::memcpy(text, scratch.as<char>() + rest.begin, rest.length());
+    text[rest.length()] = '\0';
+    return 0;
+}
+
+std::uint32_t qry_lib_sql_parser::trim_space_front_rear(unsigned char mode, std::string &text) const {
+    pool_block scratch;
+    if (copy_to_scratch(scratch, text.c_str(), text.size()) != 0) {
+        return trace_return(__func__, 2403, QRY_LIB_NO_MEMORY);
+    }
+    if (text.find(blank) == std::string::npos) {
+        return 0;
+    }
+    const span rest = without_outer_blanks(mode, scratch.as<char>(), text.size());
+    text.assign(scratch.as<char>() + rest.begin, rest.length());
+    return 0;
+}
+
+bool qry_lib_sql_parser::trimmed(std::string &text) const {
+    return trim_space_front_rear(trim_both, text) == 0 && !text.empty();
+}
+
+std::uint32_t qry_lib_sql_parser::trim_space_all(char *text) const {
+    const std::size_t length = std::strlen(text);
+    pool_block scratch;
+    if (copy_to_scratch(scratch, text, length) != 0) {
+        return trace_return(__func__, 2278, QRY_LIB_NO_MEMORY);
+    }
+    char *out = text;
+    for (const char *in = scratch.as<char>(); *in != '\0'; ++in) {
+        if (*in != blank) {
+            *out++ = *in;
+        }
+    }
+    *out = '\0';
+    return 0;
+}
+
+std::uint32_t qry_lib_sql_parser::check_col_val(const char *text, int &is_number) const {
+    is_number = text[std::strspn(text, "0123456789")] == '\0' ? 1 : 0;
+    return 0;
+}
+
+std::uint32_t qry_lib_sql_parser::get_keyword_num(const char *text, const char *keyword,
+                                                  unsigned int &count) const {
+    count = 0;
+    if (text == nullptr) {
+        return 0;
+    }
+    const std::size_t length = std::strlen(keyword);
+    for (const char *at = std::strstr(text, keyword); at != nullptr; at = std::strstr(at + length, keyword)) {
+        ++count;
+    }
+    return 0;
+}
+
+std::uint32_t qry_lib_sql_parser::divide_keyword(const char *text, const char *keyword, unsigned int &count,
+                                                 std::vector<std::string> &pieces) const {
+    count = 0;
+    pool_block scratch;
+    if (copy_to_scratch(scratch, text, std::strlen(text)) != 0) {
+        return trace_return(__func__, 1063, QRY_LIB_NO_MEMORY);
+    }
+    const std::size_t length = std::strlen(keyword);
+    const char *cut = scratch.as<char>();
+    for (const char *at = std::strstr(cut, keyword); at != nullptr; at = std::strstr(cut, keyword)) {
+        pieces.emplace_back(cut, at);
+        ++count;
+        cut = at + length;
+    }
+    if (count > 0) {
+        pieces.emplace_back(cut);
+        ++count;
+    }
+    return 0;
+}
+
+qry_lib_sql_parser::search_result qry_lib_sql_parser::find_two_keyword(const char *text, const char *first,
+                                                                       const char *second,
+                                                                       std::vector<std::string> &out) const {
+    static constexpr char name[] = "divide_two_keyword";
+    std::vector<std::string> at_first;
+    unsigned int count = 0;
+    if (divide_keyword(text, first, count, at_first) != 0) {
+        return {found::no_memory, QRY_LIB_NOT_ACCEPTED, count};
+    }
+    if (count != 2) {
+        return {count > 2 ? found::repeated : found::absent, QRY_LIB_NOT_ACCEPTED, count};
+    }
+    // A blank in front lets the second keyword, which begins with one, match right behind the first.
+    pool_block scratch;
+    if (scratch.take(std::uint64_t{at_first[1].size()} + 2) != 0) {
+        return {found::no_memory, trace_return(name, 1145, QRY_LIB_NO_MEMORY), count};
+    }
+    scratch.as<char>()[0] = blank;
+    std::memcpy(scratch.as<char>() + 1, at_first[1].c_str(), at_first[1].size() + 1);
+
+    std::vector<std::string> at_second;
+    const bool no_memory = divide_keyword(scratch.as<char>(), second, count, at_second) != 0;
+    if (no_memory || count != 2) {
+        const std::uint32_t code = trace_return(name, 1158, QRY_LIB_NOT_ACCEPTED);
+        return {no_memory ? found::no_memory : count > 2 ? found::repeated : found::absent, code, count};
+    }
+    std::string &between = at_second[0];
+    const std::uint32_t trim_code = trim_space_front_rear(trim_both, between);
+    if (trim_code != 0 || !between.empty()) {
+        const std::uint32_t code = trace_return(name, 1170, QRY_LIB_NOT_ACCEPTED);
+        return {trim_code != 0 ? found::no_memory : found::absent, code, count};
+    }
+    out.push_back(std::move(at_first[0]));
+    out.push_back(std::move(at_second[1]));
+    return {found::yes, 0, count};
+}
+
+std::uint32_t qry_lib_sql_parser::divide_two_keyword(const char *text, const char *first, const char *second,
+                                                     unsigned int &count,
+                                                     std::vector<std::string> &out) const {
+    const search_result result = find_two_keyword(text, first, second, out);
+    count = result.count;
+    return result.code;
+}
+
+qry_lib_sql_parser::search_result qry_lib_sql_parser::find_where(const char *text,
+                                                                 std::vector<std::string> &out) const {
+    std::vector<std::string> parts;
+    unsigned int count = 0;
+    if (divide_keyword(text, " WHERE ", count, parts) != 0) {
+        return {found::no_memory, QRY_LIB_NOT_ACCEPTED, count};
+    }
+    if (count != 2) {
+        return {count > 2 ? found::repeated : found::absent, QRY_LIB_NOT_ACCEPTED, count};
+    }
+    // The condition is handed on as written; only a copy of it is trimmed.
+    pool_block condition;
+    if (copy_to_scratch(condition, parts[1].c_str(), parts[1].size()) != 0) {
+        return {found::no_memory, trace_return("divide_where_str", 1465, QRY_LIB_NO_MEMORY), count};
+    }
+    if (trim_space_front_rear(trim_both, condition.as<char>()) != 0 ||
+        trim_space_front_rear(trim_both, parts[0]) != 0) {
+        return {found::no_memory, QRY_LIB_NOT_ACCEPTED, count};
+    }
+    if (condition.as<char>()[0] == '\0' || parts[0].empty()) {
+        return {found::absent, QRY_LIB_NOT_ACCEPTED, count};
+    }
+    out.push_back(std::move(parts[1]));
+    out.push_back(std::move(parts[0]));
+    return {found::yes, 0, count};
+}
+
+std::uint32_t qry_lib_sql_parser::divide_where_str(const char *text, unsigned int &count,
+                                                   std::vector<std::string> &out) const {
+    const search_result result = find_where(text, out);
+    count = result.count;
+    return result.code;
+}
+
+std::uint32_t qry_lib_sql_parser::trim_single_q_str(std::string &value, int *quoted) const {
+    *quoted = 0;
+    if (value.empty() || value.front() != '\'') {
+        return 0;
+    }
+    pool_block scratch;
+    if (copy_to_scratch(scratch, value.c_str(), value.size()) != 0) {
+        return trace_return(__func__, 2485, QRY_LIB_NO_MEMORY);
+    }
+    const std::size_t last = value.rfind('\'');
+    if (last == 0) {
+        return trace_return(__func__, 2512, QRY_LIB_NOT_ACCEPTED);
+    }
+    value.assign(scratch.as<char>() + 1, last - 1);
+    *quoted = 1;
+    return 0;
+}
+
+std::uint32_t qry_lib_sql_parser::trim_bracket_str(std::string &value) const {
+    if (value.find('(') == std::string::npos || value.find(')') == std::string::npos) {
+        return QRY_LIB_NOT_ACCEPTED;
+    }
+    pool_block scratch;
+    if (copy_to_scratch(scratch, value.c_str(), value.size()) != 0) {
+        return trace_return(__func__, 2584, QRY_LIB_NO_MEMORY);
+    }
+    // Runs of brackets are dropped at both ends; they are not matched against each other.
+    const std::size_t begin = value.find_first_not_of('(');
+    const std::size_t last = value.find_last_not_of(')');
+    if (begin == std::string::npos || last == std::string::npos || last < begin) {
+        return QRY_LIB_NOT_ACCEPTED;
+    }
+    value.assign(scratch.as<char>() + begin, last + 1 - begin);
+    return 0;
+}
+
+std::uint32_t qry_lib_sql_parser::trim_percent_str(std::string &value) const {
+    if (value.empty() || value.back() != '%') {
+        return QRY_LIB_NOT_ACCEPTED;
+    }
+    value.pop_back();
+    return 0;
+}
+
+int qry_lib_sql_parser::get_is_col_name(unsigned short index, std::string name,
+                                        std::vector<qry_lib_analyze_info> &infos) const {
+    if (index >= infos.size()) {
+        return 0;
+    }
+    const qry_lib_analyze_info &info = infos[index];
+    for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
+        char col[QRY_LIB_COLUMN_NAME_MAX + 1];
+        QRY_LIB_COLUMN_VALUE value;
+        QRY_LIB_COLUMN_TYPE type;
+        if (const std::uint32_t code = info.get_cols(i, col, &value, type); code != 0) {
+            trace_return(__func__, 2107, code);
+            return 0;
+        }
+        if (name == col) {
+            return 1;
+        }
+    }
+    return 0;
+}
+
+int qry_lib_sql_parser::get_is_table(unsigned short index, std::string name,
+                                     qry_lib_analyze_info &info) const {
+    char table[QRY_LIB_TABLE_NAME_MAX + 1];
+    if (const std::uint32_t code = info.get_table(index, table); code != 0) {
+        trace_return(__func__, 2069, code);
+        return 0;
+    }
+    return name == table ? 1 : 0;
+}
+
+} // namespace norvane

@@ -1,0 +1,181 @@
+// WHERE: a flat list of comparisons, joined all by AND or all by OR.
+#include <string_view>
+
+#include "parser/qry_lib_sql_parser.h"
+#include "util/bounded_text.h"
+#include "util/pool_block.h"
+#include "util/trace.h"
+
+namespace norvane {
+
+namespace {
+
+constexpr char function_name[] = "divide_operate";
+
+struct operator_row {
+    std::uint8_t operation;
+    char text[9];
+};
+
+// In the order of search: an operator comes before the shorter ones that it contains. "==" is listed only to
+// be refused; its code means nothing.
+constexpr operator_row operators[] = {
+    {QRY_LIB_OPERATION_TYPE_EQUAL, "=="},         {QRY_LIB_OPERATION_TYPE_LIKE, " LIKE "},
+    {QRY_LIB_OPERATION_TYPE_INLIKE, " INLIKE"},   {QRY_LIB_OPERATION_TYPE_IN, " IN"},
+    {QRY_LIB_OPERATION_TYPE_GREATER_EQUAL, ">="}, {QRY_LIB_OPERATION_TYPE_LESS_EQUAL, "<="},
+    {QRY_LIB_OPERATION_TYPE_GREATER, ">"},        {QRY_LIB_OPERATION_TYPE_LESS, "<"},
+    {QRY_LIB_OPERATION_TYPE_NOT_EQUAL, "!="},     {QRY_LIB_OPERATION_TYPE_EQUAL, "="},
+};
+
+// Where the chosen operator stands. Operators inside a quoted value are passed over.
+struct operator_place {
+    const operator_row *row; // null: none
+    std::size_t at;
+};
+
+operator_place find_operator(std::string_view condition) {
+    const std::size_t quote = condition.find('\'');
+    for (const operator_row &row : operators) {
+        const std::size_t at = condition.find(row.text);
+        if (at != std::string_view::npos && (quote == std::string_view::npos || at <= quote)) {
+            return {&row, at};
+        }
+    }
+    return {nullptr, 0};
+}
+
+std::uint32_t refuse(int line) {
+    return trace_return(function_name, line, QRY_LIB_NOT_ACCEPTED);
+}
+
+// The lines of the refusals of one value, by where the value stands: it is blank, its quote is not closed, a
+// LIKE value is no prefix.
+struct value_lines {
+    int blank;
+    int quote;
+    int percent;
+};
+
+constexpr value_lines lone_element{1330, 1337, 1347};
+constexpr value_lines list_element{1370, 1377, 1387};
+constexpr value_lines plain_value{1300, 1408, 1416};
+
+// A comparison as it goes into the analyzed query, but for its value.
+struct comparison {
+    const std::string &column;
+    QRY_LIB_OPERATION_TYPE operation;
+    QRY_LIB_JOIN_TYPE join;
+};
+
+std::uint32_t add_value(const qry_lib_sql_parser &parser, const comparison &compared, std::string &value,
+                        const value_lines &lines, qry_lib_analyze_info &info) {
+    int quoted = 0;
+    if (!parser.trimmed(value)) {
+        return refuse(lines.blank);
+    }
+    if (parser.trim_single_q_str(value, &quoted) != 0) {
+        return refuse(lines.quote);
+    }
+    if (compared.operation == QRY_LIB_OPERATION_TYPE_LIKE && parser.trim_percent_str(value) != 0) {
+        return refuse(lines.percent);
+    }
+    if (compared.column.size() > QRY_LIB_COLUMN_NAME_MAX || value.size() > QRY_LIB_STRING_MAX ||
+        info.get_filter_cols_num() == UINT16_MAX) {
+        return refuse(__LINE__);
+    }
+    info.add_filter_cols(compared.column.c_str(), value.c_str(), compared.operation, compared.join, quoted);
+    return 0;
+}
+
+// A list is its elements, each a comparison of its own joined by OR.
+std::uint32_t add_list(const qry_lib_sql_parser &parser, const comparison &compared, std::string &list,
+                       qry_lib_analyze_info &info) {
+    if (!parser.trimmed(list)) {
+        return refuse(plain_value.blank);
+    }
+    if (parser.trim_bracket_str(list) != 0) {
+        return refuse(1315);
+    }
+    std::vector<std::string> elements;
+    unsigned int count = 0;
+    if (parser.divide_keyword(list.c_str(), ",", count, elements) != 0) {
+        return refuse(1322);
+    }
+    if (count == 0) {
+        return add_value(parser, compared, list, lone_element, info);
+    }
+    for (std::string &element : elements) {
+        if (const std::uint32_t code = add_value(parser, compared, element, list_element, info); code != 0) {
+            return code;
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+std::uint32_t qry_lib_sql_parser::set_filter_str(const char *where_text, qry_lib_analyze_info &info) const {
+    unsigned int and_num = 0;
+    unsigned int or_num = 0;
+    get_keyword_num(where_text, " AND ", and_num);
+    get_keyword_num(where_text, " OR ", or_num);
+    if (and_num > 0 && or_num > 0) {
+        trace_return(__func__, 1527, QRY_LIB_OK);
+        return QRY_LIB_NOT_ACCEPTED;
+    }
+    if (and_num == 0 && or_num == 0) {
+        if (divide_operate(where_text, QRY_LIB_JOIN_TYPE_AND, info) != 0) {
+            return trace_return(__func__, 1534, QRY_LIB_NOT_ACCEPTED);
+        }
+        return 0;
+    }
+    const QRY_LIB_JOIN_TYPE join = and_num > 0 ? QRY_LIB_JOIN_TYPE_AND : QRY_LIB_JOIN_TYPE_OR;
+    std::vector<std::string> conditions;
+    unsigned int count = 0;
+    if (divide_keyword(where_text, and_num > 0 ? " AND " : " OR ", count, conditions) != 0 || count < 2) {
+        return trace_return(__func__, 1552, QRY_LIB_NOT_ACCEPTED);
+    }
+    for (const std::string &condition : conditions) {
+        if (divide_operate(condition.c_str(), static_cast<unsigned char>(join), info) != 0) {
+            return trace_return(__func__, 1561, QRY_LIB_NOT_ACCEPTED);
+        }
+    }
+    return 0;
+}
+
+std::uint32_t qry_lib_sql_parser::divide_operate(const char *condition, unsigned char join,
+                                                 qry_lib_analyze_info &info) const {
+    const std::size_t length = std::strlen(condition);
+    pool_block scratch;
+    if (scratch.take(std::uint64_t{length} + 1) != 0) {
+        return trace_return(function_name, 1235, QRY_LIB_NO_MEMORY);
+    }
+    std::memcpy(scratch.as<char>(), condition, length + 1);
+    const std::string_view text(scratch.as<char>(), length);
+
+    const operator_place place = find_operator(text);
+    if (place.row == nullptr) {
+        return refuse(1271);
+    }
+    if (place.row == operators) {
+        return refuse(1257);
+    }
+    std::string column(text.substr(0, place.at));
+    std::string value(text.substr(place.at + std::strlen(place.row->text)));
+    if (!trimmed(column)) {
+        return refuse(1294);
+    }
+    switch (place.row->operation) {
+    case QRY_LIB_OPERATION_TYPE_IN:
+        return add_list(*this, {column, QRY_LIB_OPERATION_TYPE_EQUAL, QRY_LIB_JOIN_TYPE_OR}, value, info);
+    case QRY_LIB_OPERATION_TYPE_INLIKE:
+        return add_list(*this, {column, QRY_LIB_OPERATION_TYPE_LIKE, QRY_LIB_JOIN_TYPE_OR}, value, info);
+    default:
+        return add_value(*this,
+                         {column, static_cast<QRY_LIB_OPERATION_TYPE>(place.row->operation),
+                          static_cast<QRY_LIB_JOIN_TYPE>(join)},
+                         value, plain_value, info);
+    }
+}
+
+} // namespace norvane
