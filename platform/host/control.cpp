@@ -1,10 +1,11 @@
-// The control calls that open, close and reset the store, and the sentence about the last call that failed.
+// The control calls over the store as a whole, and the sentence about the last one that failed.
 #include "platform/host/control.h"
 
 #include <cstdio>
 #include <vector>
 
 #include "platform/host/element_store.h"
+#include "platform/host/fixture.h"
 #include "platform/host/qryhost.h"
 
 namespace qryhost {
@@ -13,6 +14,13 @@ namespace {
 
 // A fixed array: telling that memory ran out takes none.
 thread_local char error_sentence[1024] = "";
+
+const char *required_path(const char *path) {
+    if (path == nullptr || *path == '\0') {
+        throw refusal("no file is named");
+    }
+    return path;
+}
 
 } // namespace
 
@@ -44,6 +52,20 @@ int qryhost_reset(void) {
     return qryhost::control([] {
         qryhost::element_store &store = qryhost::required_store();
         store.replace(std::vector<std::uint8_t>(store.layout().bytes()));
+    });
+}
+
+int qryhost_load(const char *json_path) {
+    return qryhost::control([json_path] {
+        qryhost::element_store &store = qryhost::required_store();
+        store.replace(qryhost::load_fixture(qryhost::required_path(json_path)));
+    });
+}
+
+int qryhost_save(const char *json_path) {
+    return qryhost::control([json_path] {
+        qryhost::element_store &store = qryhost::required_store();
+        qryhost::save_fixture(qryhost::required_path(json_path), store.snapshot());
     });
 }
 

@@ -1,0 +1,257 @@
+// Reads a fixture. The whole file is checked while it is turned into a region of its own.
+#include <algorithm>
+#include <cstring>
+#include <set>
+
+#include "platform/host/control.h"
+#include "platform/host/fixture.h"
+#include "platform/host/fixture_values.h"
+#include "platform/host/whole_file.h"
+
+namespace qryhost {
+
+namespace {
+
+// A store written out in full is far smaller; what is larger or deeper is no fixture.
+constexpr std::size_t file_size_max = 16 * 1024 * 1024;
+constexpr int depth_max = 8;
+
+// Watches the parser: bounds the depth, and refuses a key that one object has twice.
+class parse_guard {
+  public:
+    bool operator()(int depth, json::parse_event_t event, const json &parsed) {
+        if (depth > depth_max) {
+            throw refusal("the file is nested too deeply");
+        }
+        if (event == json::parse_event_t::object_start) {
+            keys_.emplace_back();
+        } else if (event == json::parse_event_t::object_end) {
+            keys_.pop_back();
+        } else if (event == json::parse_event_t::key && !keys_.back().insert(parsed).second) {
+            throw refusal("one object has the key " + parsed.dump() + " twice");
+        }
+        return true;
+    }
+
+  private:
+    std::vector<std::set<std::string>> keys_; // of every object that is open
+};
+
+json parse(const std::string &path) {
+    const std::string text = read_whole_file(path, file_size_max);
+    try {
+        parse_guard guard;
+        return json::parse(text, [&guard](int depth, json::parse_event_t event, json &parsed) {
+            return guard(depth, event, parsed);
+        });
+    } catch (const json::parse_error &error) {
+        const std::string message = error.what();
+        refuse(path, message.substr(message.find("] ") + 2)); // without the parser's own number
+    } catch (const refusal &error) {
+        refuse(path, error.what());
+    }
+}
+
+const json &required_object(const json &value, const std::string &where) {
+    if (!value.is_object()) {
+        refuse(where, "is not an object");
+    }
+    return value;
+}
+
+const norvane::database_schema &find_database(const std::string &name) {
+    for (const norvane::database_schema *database : norvane::databases) {
+        if (name == database->name) {
+            return *database;
+        }
+    }
+    refuse("databases", "there is no database " + name);
+}
+
+const QRY_LIB_TABLE_DEF &find_table(const norvane::database_schema &database, const std::string &name) {
+    const QRY_LIB_TABLE_DEF *end = database.tables + database.table_num;
+    const QRY_LIB_TABLE_DEF *found = std::find_if(
+        database.tables, end, [&name](const QRY_LIB_TABLE_DEF &table) { return name == table.table_name; });
+    if (found == end) {
+        refuse(database.name, "there is no table " + name);
+    }
+    return *found;
+}
+
+// One record's object while it is applied: every value with its column.
+struct given_value {
+    const QRY_LIB_ELEMENT_INFO *column;
+    const json *value;
+    std::string where;
+};
+
+class fixture_loader {
+  public:
+    fixture_loader() : layout_(store_layout::get()), region_(layout_.bytes()) {}
+
+    std::vector<std::uint8_t> load(const json &file);
+
+  private:
+    void load_settings(const json &settings);
+    void load_table(const std::string &where, const QRY_LIB_TABLE_DEF &table, const json &content);
+    void copy_default(const QRY_LIB_TABLE_DEF &table);
+    void load_records(const std::string &where, const QRY_LIB_TABLE_DEF &table, const json &records);
+    void load_record(const std::string &where, const QRY_LIB_TABLE_DEF &table, const json &object,
+                     std::uint32_t record);
+    void load_raw(const std::string &where, const QRY_LIB_TABLE_DEF &table, const std::string &key,
+                  const json &value, std::uint32_t record, std::set<std::uint32_t> &raw);
+
+    std::uint8_t *value(const element_place &place, std::uint32_t record) {
+        return region_.data() + place.value_offset(record);
+    }
+
+    const store_layout &layout_;
+    std::vector<std::uint8_t> region_;
+};
+
+std::vector<std::uint8_t> fixture_loader::load(const json &file) {
+    required_object(file, "the file");
+    if (!file.contains("format") || file["format"] != 1) {
+        refuse("format", "is not 1");
+    }
+    for (const auto &[key, content] : file.items()) {
+        if (key == "settings") {
+            load_settings(required_object(content, key));
+        } else if (key == "databases") {
+            for (const auto &[name, tables] : required_object(content, key).items()) {
+                const norvane::database_schema &database = find_database(name);
+                for (const auto &[table_name, table] : required_object(tables, name).items()) {
+                    load_table(name + "." + table_name, find_table(database, table_name), table);
+                }
+            }
+        } else if (key != "format") {
+            refuse("the file", "there is no key " + key);
+        }
+    }
+    return std::move(region_);
+}
+
+void fixture_loader::load_settings(const json &settings) {
+    for (const auto &[key, content] : settings.items()) {
+        const auto *found =
+            std::find_if(std::begin(setting_names), std::end(setting_names),
+                         [name = std::string(key)](const setting_name &row) { return name == row.name; });
+        if (found == std::end(setting_names)) {
+            refuse("settings", "there is no setting " + key);
+        }
+        const element_place &place = *layout_.find(settings_category, found->element);
+        store_number(number_from_json(content, 0, 0xFFFFFFFFLL, "settings, " + key), value(place, 0),
+                     place.size);
+    }
+}
+
+void fixture_loader::load_table(const std::string &where, const QRY_LIB_TABLE_DEF &table,
+                                const json &content) {
+    required_object(content, where);
+    for (const auto &[key, part] : content.items()) {
+        if (key != "default" && key != "records") {
+            refuse(where, "there is no key " + key);
+        }
+    }
+    if (content.contains("default")) {
+        const std::string place = where + " default";
+        load_record(place, table, required_object(content["default"], place), 0);
+        copy_default(table);
+    }
+    if (content.contains("records")) {
+        load_records(where, table, content["records"]);
+    }
+}
+
+void fixture_loader::copy_default(const QRY_LIB_TABLE_DEF &table) {
+    for (const QRY_LIB_ELEMENT_DEF &row : column_range(table)) {
+        const element_place &place = place_of(row.info);
+        for (std::uint32_t record = 1; record <= place.record_num; ++record) {
+            std::memcpy(value(place, record), value(place, 0), place.size);
+        }
+    }
+}
+
+void fixture_loader::load_records(const std::string &where, const QRY_LIB_TABLE_DEF &table,
+                                  const json &records) {
+    if (!records.is_array()) {
+        refuse(where, "\"records\" is not an array");
+    }
+    const std::uint32_t record_num = place_of(table.elements[0].info).record_num;
+    std::set<std::uint32_t> seen;
+    std::uint32_t next = 0;
+    for (const json &object : records) {
+        required_object(object, where + ", a record");
+        const std::uint32_t record =
+            object.contains("record") ? number_from_json(object["record"], 0, 0xFFFF, where + ", \"record\"")
+                                      : next;
+        const std::string place = where + " record " + std::to_string(record);
+        if (record >= record_num) {
+            refuse(place, "the table has " + std::to_string(record_num) + " records");
+        }
+        if (!seen.insert(record).second) {
+            refuse(place, "is there twice");
+        }
+        load_record(place, table, object, record + 1);
+        next = record + 1;
+    }
+}
+
+void fixture_loader::load_record(const std::string &where, const QRY_LIB_TABLE_DEF &table, const json &object,
+                                 std::uint32_t record) {
+    std::vector<given_value> given;
+    std::set<std::uint32_t> raw;
+    for (const auto &[key, content] : object.items()) {
+        const std::string place = where + ", " + key;
+        if (key == "record" && record != 0) {
+            continue;
+        }
+        if (!key.empty() && key.front() == '@') {
+            load_raw(place, table, key, content, record, raw);
+            continue;
+        }
+        const column_range columns(table);
+        const auto *found = std::find_if(
+            columns.begin(), columns.end(),
+            [name = std::string(key)](const QRY_LIB_ELEMENT_DEF &row) { return name == row.info.name; });
+        if (found == columns.end()) {
+            refuse(where, "there is no column " + key);
+        }
+        given.push_back({&found->info, &content, place});
+    }
+    std::stable_sort(given.begin(), given.end(), [](const given_value &a, const given_value &b) {
+        return a.column->member_offset < b.column->member_offset;
+    });
+    for (const given_value &one : given) {
+        if (raw.count(one.column->element_id) != 0) {
+            refuse(one.where, "its composite element is given as a whole too");
+        }
+        value_from_json(*one.column, *one.value, value(place_of(*one.column), record), one.where);
+    }
+}
+
+// A composite as a whole: "@" and its element id in hexadecimal.
+void fixture_loader::load_raw(const std::string &where, const QRY_LIB_TABLE_DEF &table,
+                              const std::string &key, const json &content, std::uint32_t record,
+                              std::set<std::uint32_t> &raw) {
+    for (const QRY_LIB_ELEMENT_DEF &row : column_range(table)) {
+        if (row.info.is_member != 0 && key == raw_key(row.info.element_id)) {
+            const element_place &place = place_of(row.info);
+            std::vector<std::uint8_t> bytes = from_hex(content, place.size, where);
+            bytes.resize(place.size);
+            exchange_byte_order(table, place.element, bytes);
+            std::copy(bytes.begin(), bytes.end(), value(place, record));
+            raw.insert(place.element);
+            return;
+        }
+    }
+    refuse(where, "there is no such composite element");
+}
+
+} // namespace
+
+std::vector<std::uint8_t> load_fixture(const std::string &path) {
+    return fixture_loader().load(parse(path));
+}
+
+} // namespace qryhost
