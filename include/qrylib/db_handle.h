@@ -1,0 +1,65 @@
+/*
+ * Database handles of threads, and free record ids.
+ *
+ * A thread that uses the platform's database service directly gets a handle of its own with
+ * dsql_db_handle_add() and gives it up with dsql_db_handle_delete(). Queries through this library need none.
+ * Every function may be called from several threads at once. Since 1.0.
+ */
+#ifndef QRYLIB_DB_HANDLE_H
+#define QRYLIB_DB_HANDLE_H
+
+#include <qrylib/export.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/*
+ * Creates a database handle for the calling thread. A second call gives the thread a second handle, which
+ * hides the first until it is deleted. Returns 0; -1 when there is no memory; otherwise the platform's code.
+ * When the platform cannot create the handle, the entries of ALL threads are dropped and the service is
+ * deregistered; every other failure leaves the entries as they were. Failures are written to the platform
+ * trace.
+ */
+QRY_LIB_API int32_t dsql_db_handle_add(void);
+
+/*
+ * Drops the calling thread's newest entry; the handle itself belongs to the platform. Returns 0, or 1 when
+ * the thread has no entry.
+ */
+QRY_LIB_API int32_t dsql_db_handle_delete(void);
+
+/*
+ * What the platform's database-handle service calls to learn the calling thread's handle: its newest one, or
+ * 0 when it has none. `head_cell` is what the service was given at registration. Not for callers.
+ */
+QRY_LIB_API uint32_t dsql_db_handle_callback(void *head_cell);
+
+/* Which id qry_lib_db_get_unused_id() looks for. */
+typedef struct {
+    const char *db_name;    /* database to search */
+    const char *table_name; /* table to search */
+    const char *col_name;   /* the id column, its values unique */
+    uint32_t min_id;        /* smallest id allowed */
+    uint32_t max_id;        /* largest id allowed */
+    uint32_t max_count;     /* no id is given when this many rows or more carry an id in the range */
+    uint8_t id_kind;        /* 1: 32-bit id, max_id up to 2147483647; 2: 16-bit id, max_id up to 32767 */
+} qry_lib_db_unused_id_param_;
+
+/*
+ * Stores through `id_out` the smallest id from min_id to max_id that no row of the table carries; min_id
+ * itself when no row carries an id in the range. The id is not reserved: two callers may be given the same.
+ *
+ * Returns 0; 0xDB05: null argument, unknown database, table or column, id_kind other than 1 and 2, max_id
+ * beyond its kind; 0xDB04: max_count rows or more in the range, or no gap up to max_id; 0xFFFF: the names are
+ * too long for the query (255 characters); otherwise the code of the query. *id_out is written on success
+ * only. Failures are written to the platform trace.
+ */
+QRY_LIB_API uint32_t qry_lib_db_get_unused_id(const qry_lib_db_unused_id_param_ *param, uint32_t *id_out);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
