@@ -39,6 +39,16 @@ TEST(Text, PrintableEscapesByteByByte) {
     EXPECT_EQ(printable("a\xE3\x81"), "a\\xE3\\x81");
 }
 
+TEST(Text, WidthCountsTerminalColumns) {
+    EXPECT_EQ(qrysh::text_width(""), 0U);
+    EXPECT_EQ(qrysh::text_width("Dubois"), 6U);
+    EXPECT_EQ(qrysh::text_width("M\u00FCller"), 6U);
+    EXPECT_EQ(qrysh::text_width("\u6E21\u8FBA"), 4U);
+    EXPECT_EQ(qrysh::text_width("\u30EF\u30BF\u30CA\u30D9 \u30DE"), 11U);
+    EXPECT_EQ(qrysh::text_width("\uFF76\uFF85"), 2U);
+    EXPECT_EQ(qrysh::text_width("\uFF01"), 2U);
+}
+
 TEST(Text, TrimTakesBlanksAndNothingElse) {
     EXPECT_EQ(qrysh::trim("  a b "), "a b");
     EXPECT_EQ(qrysh::trim("\ta\t"), "\ta\t");
