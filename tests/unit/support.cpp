@@ -3,12 +3,15 @@
 
 #include <cstdio>
 
+#include "unit/reach.h"
+
 namespace test {
 
 namespace {
 
 void record_line(void *context, std::uint32_t, std::uint32_t, std::uint32_t, const char *text) {
     static_cast<std::vector<std::string> *>(context)->emplace_back(text);
+    record_reached(text);
 }
 
 bool parse(const std::string &line, return_trace &out) {

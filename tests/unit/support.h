@@ -1,4 +1,5 @@
-// What the unit tests share: a record of the traces, and a fixture that leaves the workstation platform clean.
+// What the unit tests share: a record of the traces, and a fixture that leaves the workstation platform
+// clean.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -15,7 +15,7 @@ using namespace test;
 
 using faults = host_test;
 using memory_partition = host_test;
-using db_handle = host_test;
+using host_db_handle = host_test;
 using trace_sink = host_test;
 using control = host_test;
 
@@ -110,7 +110,7 @@ TEST_F(memory_partition, a_refusal_gives_no_block) {
     EXPECT_EQ(qryhost_pool_blocks(), before);
 }
 
-TEST_F(db_handle, handles_increase_and_are_never_zero) {
+TEST_F(host_db_handle, handles_increase_and_are_never_zero) {
     std::int32_t code = 77;
     const std::uint32_t first = sdb_CreateDBHandle(&code);
     EXPECT_EQ(code, 0);
@@ -122,7 +122,7 @@ std::uint32_t cell_value(void *head_cell) {
     return *static_cast<std::uint32_t *>(head_cell);
 }
 
-TEST_F(db_handle, the_service_asks_the_registered_callback) {
+TEST_F(host_db_handle, the_service_asks_the_registered_callback) {
     std::uint32_t cell = 42;
     EXPECT_EQ(qryhost_current_db_handle(), 0u);
     ASSERT_EQ(sdb_RegisterDBHandleService(cell_value, &cell), 0);
@@ -136,7 +136,7 @@ TEST_F(db_handle, the_service_asks_the_registered_callback) {
     EXPECT_NE(sdb_RegisterDBHandleService(nullptr, &cell), 0);
 }
 
-TEST_F(db_handle, every_call_can_be_made_to_fail) {
+TEST_F(host_db_handle, every_call_can_be_made_to_fail) {
     std::int32_t code = 0;
     qryhost_fail(QRYHOST_CREATE_HANDLE, 0, 1, 0xFFFFFFFF);
     EXPECT_EQ(sdb_CreateDBHandle(&code), 0u);

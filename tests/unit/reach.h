@@ -1,0 +1,16 @@
+// Proof of reach: which trace points the tests have provoked, against the table of fixed points.
+#pragma once
+
+#include <string>
+
+namespace test {
+
+// Remembers the point of a trace line; other lines are ignored. May be called from any thread.
+void record_reached(const char *line);
+
+// Compares what was reached with the table at `table_path` and with the library's sources under
+// `source_path`, and prints every fixed point that no test reached, every fixed number that the table does
+// not have, and every unreachable point that was reached after all. True when there is none.
+bool check_reach(const std::string &table_path, const std::string &source_path);
+
+} // namespace test
