@@ -1,8 +1,25 @@
 #!/usr/bin/env bash
-# Builds the library. Works from any folder; installs what is missing.
+# Shows the library at work on the sample device: builds what is missing, then runs examples/demo.sql in the
+# shell. Works from any folder; installs what is missing; leaves nothing behind but build/.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
+quietly() {
+    local log
+    log=$(mktemp)
+    if ! "$@" >"$log" 2>&1; then
+        cat "$log" >&2
+        rm -f "$log"
+        exit 1
+    fi
+    rm -f "$log"
+}
+
 scripts/install_packages.sh
-cmake --preset release >/dev/null
-cmake --build --preset release
+quietly cmake --preset release
+quietly cmake --build --preset release --target qrysh
+
+# The sample script ends with statements that are refused, so the shell's exit status is 1. Any other is a fault.
+status=0
+build/release/tools/qrysh/qrysh --echo --fixture examples/office.json <examples/demo.sql 2>&1 || status=$?
+[ "$status" -eq 1 ]

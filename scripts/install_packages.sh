@@ -2,7 +2,8 @@
 # Installs what the build and the tests need from Debian's packages. Quick and quiet when all is there.
 set -euo pipefail
 
-packages=(cmake ninja-build g++ pkg-config libgtest-dev libcli11-dev libfmt-dev nlohmann-json3-dev libedit-dev)
+packages=(cmake ninja-build g++ pkg-config libgtest-dev libcli11-dev libfmt-dev nlohmann-json3-dev libedit-dev
+    libutf8proc-dev)
 
 missing=()
 for package in "${packages[@]}"; do

@@ -78,6 +78,16 @@ const QRY_LIB_TABLE_DEF &find_table(const norvane::database_schema &database, co
     return *found;
 }
 
+const QRY_LIB_ELEMENT_INFO &find_column(const QRY_LIB_TABLE_DEF &table, const std::string &name,
+                                        const std::string &where) {
+    for (const QRY_LIB_ELEMENT_DEF &row : column_range(table)) {
+        if (name == row.info.name) {
+            return row.info;
+        }
+    }
+    refuse(where, "there is no column " + name);
+}
+
 // One record's object while it is applied: every value with its column.
 struct given_value {
     const QRY_LIB_ELEMENT_INFO *column;
@@ -93,6 +103,7 @@ class fixture_loader {
 
   private:
     void load_settings(const json &settings);
+    void load_databases(const json &databases);
     void load_table(const std::string &where, const QRY_LIB_TABLE_DEF &table, const json &content);
     void copy_default(const QRY_LIB_TABLE_DEF &table);
     void load_records(const std::string &where, const QRY_LIB_TABLE_DEF &table, const json &records);
@@ -118,12 +129,7 @@ std::vector<std::uint8_t> fixture_loader::load(const json &file) {
         if (key == "settings") {
             load_settings(required_object(content, key));
         } else if (key == "databases") {
-            for (const auto &[name, tables] : required_object(content, key).items()) {
-                const norvane::database_schema &database = find_database(name);
-                for (const auto &[table_name, table] : required_object(tables, name).items()) {
-                    load_table(name + "." + table_name, find_table(database, table_name), table);
-                }
-            }
+            load_databases(required_object(content, key));
         } else if (key != "format") {
             refuse("the file", "there is no key " + key);
         }
@@ -142,6 +148,15 @@ void fixture_loader::load_settings(const json &settings) {
         const element_place &place = *layout_.find(settings_category, found->element);
         store_number(number_from_json(content, 0, 0xFFFFFFFFLL, "settings, " + key), value(place, 0),
                      place.size);
+    }
+}
+
+void fixture_loader::load_databases(const json &databases) {
+    for (const auto &[name, tables] : databases.items()) {
+        const norvane::database_schema &database = find_database(name);
+        for (const auto &[table_name, content] : required_object(tables, name).items()) {
+            load_table(name + "." + table_name, find_table(database, table_name), content);
+        }
     }
 }
 
@@ -210,14 +225,7 @@ void fixture_loader::load_record(const std::string &where, const QRY_LIB_TABLE_D
             load_raw(place, table, key, content, record, raw);
             continue;
         }
-        const column_range columns(table);
-        const auto *found = std::find_if(
-            columns.begin(), columns.end(),
-            [name = std::string(key)](const QRY_LIB_ELEMENT_DEF &row) { return name == row.info.name; });
-        if (found == columns.end()) {
-            refuse(where, "there is no column " + key);
-        }
-        given.push_back({&found->info, &content, place});
+        given.push_back({&find_column(table, key, where), &content, place});
     }
     std::stable_sort(given.begin(), given.end(), [](const given_value &a, const given_value &b) {
         return a.column->member_offset < b.column->member_offset;

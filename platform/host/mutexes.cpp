@@ -1,8 +1,8 @@
 // Mutexes and the task lock. They check who holds them: a second request by the holder and a release by
 // anyone else are refused, and neither deadlocks nor breaks the mutex.
-#include <pthread.h>
-
 #include <atomic>
+#include <mutex>
+#include <thread>
 
 #include "platform/host/faults.h"
 #include "platform/os.h"
@@ -11,23 +11,34 @@ namespace {
 
 constexpr std::uint32_t bad_argument = 1;
 constexpr std::uint32_t none_left = 2;
-constexpr std::uint32_t not_permitted = 3; // held by the wrong thread
+constexpr std::uint32_t not_permitted = 3; // held by the calling thread, or not held by it
 
 class checked_mutex {
   public:
-    checked_mutex() {
-        pthread_mutexattr_t attributes;
-        pthread_mutexattr_init(&attributes);
-        pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ERRORCHECK);
-        pthread_mutex_init(&mutex_, &attributes);
-        pthread_mutexattr_destroy(&attributes);
+    std::uint32_t lock() {
+        if (is_held_here()) {
+            return not_permitted;
+        }
+        mutex_.lock();
+        holder_ = std::this_thread::get_id();
+        return 0;
     }
 
-    std::uint32_t lock() { return pthread_mutex_lock(&mutex_) == 0 ? 0 : not_permitted; }
-    std::uint32_t unlock() { return pthread_mutex_unlock(&mutex_) == 0 ? 0 : not_permitted; }
+    std::uint32_t unlock() {
+        if (!is_held_here()) {
+            return not_permitted;
+        }
+        holder_ = std::thread::id();
+        mutex_.unlock();
+        return 0;
+    }
 
   private:
-    pthread_mutex_t mutex_;
+    // Only the thread itself makes itself the holder, so its own answer cannot be out of date.
+    bool is_held_here() const { return holder_.load() == std::this_thread::get_id(); }
+
+    std::mutex mutex_;
+    std::atomic<std::thread::id> holder_{};
 };
 
 // The contract has no call that destroys a mutex, so identifiers are handed out once, 1 upwards.

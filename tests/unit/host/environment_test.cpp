@@ -12,6 +12,7 @@
 
 #include "platform/file_access.h"
 #include "platform/host/qryhost.h"
+#include "platform/os.h"
 #include "platform/trace.h"
 #include "unit/host/host_test.h"
 
@@ -79,6 +80,19 @@ TEST(environment, a_trace_file_that_cannot_be_opened_drops_the_traces) {
     EXPECT_TRUE(in_child([] {
         pfwGENTrcPrintf(0, 258, 2, "line\n");
         return true;
+    }));
+}
+
+// Here, since it leaves a process without mutexes.
+TEST(environment, mutexes_run_out_with_a_code) {
+    EXPECT_TRUE(in_child([] {
+        std::uint32_t mutex = 0;
+        std::uint32_t created = 0;
+        while (created < 1000 && pfwOSWCreateMutexSem(&mutex, 0, 1) == 0) {
+            ++created;
+        }
+        return created == 256 && mutex == 256 && pfwOSWRequestMutexSem(256, -1) == 0 &&
+               pfwOSWReleaseMutexSem(256) == 0;
     }));
 }
 

@@ -439,7 +439,7 @@ TEST_F(fixture, random_edits_of_a_file_never_change_the_store_half) {
     ASSERT_EQ(load_persons(R"({"default": {"INTEG_ID": 9}, "records": [{"PSN_ID": 1, "PSN_NAME": "Sato"}]})"),
               0);
     const std::string file = saved();
-    for (int round = 0; round < 500; ++round) {
+    for (int round = 0; round < 150; ++round) {
         std::string edited = file;
         for (std::uint32_t edits = 1 + random.below(3); edits > 0; --edits) {
             edited[random.below(static_cast<std::uint32_t>(edited.size()))] =

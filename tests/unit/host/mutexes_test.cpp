@@ -29,7 +29,16 @@ TEST_F(mutexes, unknown_identifiers_are_refused) {
         EXPECT_NE(pfwOSWRequestMutexSem(mutex, -1), 0u);
         EXPECT_NE(pfwOSWReleaseMutexSem(mutex), 0u);
     }
+}
+
+TEST_F(mutexes, other_options_and_time_limits_are_refused) {
+    std::uint32_t mutex = 77;
     EXPECT_NE(pfwOSWCreateMutexSem(nullptr, 0, 1), 0u);
+    EXPECT_NE(pfwOSWCreateMutexSem(&mutex, 1, 1), 0u);
+    EXPECT_NE(pfwOSWCreateMutexSem(&mutex, 0, 0), 0u);
+    EXPECT_NE(pfwOSWCreateMutexSem(&mutex, 0, 2), 0u);
+    EXPECT_EQ(mutex, 77u);
+    EXPECT_NE(pfwOSWRequestMutexSem(fresh_mutex(), 0), 0u);
 }
 
 TEST_F(mutexes, the_holder_cannot_take_it_again_nor_anyone_else_release_it) {

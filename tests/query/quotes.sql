@@ -1,0 +1,27 @@
+-- Quotes and percent signs in values: nothing is ever unescaped in a condition.
+UPDATE PSN_TBL SET PSN_NAME = 'O''Hara' WHERE PSN_ID = 1
+UPDATE PSN_TBL SET PSN_NAME = 'O''''Hara' WHERE PSN_ID = 2
+UPDATE PSN_TBL SET PSN_NAME = 'Maeve''' WHERE PSN_ID = 3
+UPDATE PSN_TBL SET PSN_NAME = '50% off' WHERE PSN_ID = 4
+UPDATE PSN_TBL SET PSN_NAME = '50 pages' WHERE PSN_ID = 5
+UPDATE PSN_TBL SET PSN_NAME = '' WHERE PSN_ID = 6
+
+-- A value ends at the last quote; quotes inside it belong to it.
+SELECT PSN_ID, PSN_NAME FROM PSN_TBL WHERE PSN_NAME = 'O'Hara'
+SELECT PSN_ID, PSN_NAME FROM PSN_TBL WHERE PSN_NAME = 'O''Hara'
+SELECT PSN_ID, PSN_NAME FROM PSN_TBL WHERE PSN_NAME LIKE 'O'%'
+
+-- What follows the last quote is dropped.
+SELECT PSN_ID, PSN_NAME FROM PSN_TBL WHERE PSN_NAME = 'Tanaka'Yuki
+SELECT PSN_ID, PSN_NAME FROM PSN_TBL WHERE PSN_NAME = '50 pages' or so
+
+-- A quote at the end alone is part of the value.
+SELECT PSN_ID, PSN_NAME FROM PSN_TBL WHERE PSN_NAME = Maeve'
+
+-- One percent sign is taken off the end.
+SELECT PSN_ID, PSN_NAME FROM PSN_TBL WHERE PSN_NAME LIKE '50%'
+SELECT PSN_ID, PSN_NAME FROM PSN_TBL WHERE PSN_NAME LIKE '50%%'
+SELECT PSN_ID, PSN_NAME FROM PSN_TBL WHERE PSN_NAME LIKE 50%
+
+-- The empty text.
+SELECT PSN_ID, PSN_NAME FROM PSN_TBL WHERE PSN_NAME = ''

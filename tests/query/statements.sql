@@ -1,0 +1,28 @@
+-- DELETE, DROP TABLE and CREATE.
+
+-- CREATE has no effect. The search for CREATE INDEX leaves a trace on CREATE TABLE.
+CREATE TABLE PSN_TBL (PSN_ID, PSN_NAME)
+CREATE INDEX anything at all
+and so has any text with CREATE INDEX in it
+SELECT COUNT(*) FROM PSN_TBL
+
+-- DELETE of no matching row succeeds.
+DELETE FROM PSN_TBL WHERE PSN_ID = 99
+SELECT COUNT(*) FROM PSN_TBL
+
+-- DELETE of some rows.
+DELETE  FROM  PSN_TBL  WHERE PSN_NAME = 'Sato Kenji' OR PSN_NAME = '渡辺 誠';
+SELECT PSN_ID FROM PSN_TBL
+DELETE FROM PSN_TBL WHERE PSN_ID IN (2, 3) AND PSN_ID > 3
+SELECT PSN_ID FROM PSN_TBL
+
+-- DELETE and DROP TABLE of every row.
+DELETE FROM PSN_TBL
+SELECT COUNT(*) FROM PSN_TBL
+.db department_db
+DROP TABLE DEPT_TBL
+SELECT COUNT(*) FROM DEPT_TBL
+
+-- Every record of the edit counters is in use, one that was deleted too.
+DELETE FROM EDIT_CNT_TBL WHERE ID = 2
+SELECT ID, CNT FROM EDIT_CNT_TBL

@@ -1,0 +1,49 @@
+// The table of fixed trace points, compiled in, and the lookup in it.
+#include "tools/qrysh/trace_explainer.h"
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+
+#include <fmt/format.h>
+
+namespace qrysh {
+
+namespace {
+
+struct trace_point {
+    std::string_view function;
+    int line;
+    std::string_view cause;
+};
+
+constexpr trace_point trace_points[] = {
+#include "trace_points.inc"
+};
+
+constexpr std::string_view after_function = "():[";
+constexpr std::string_view before_line = "]:(";
+
+} // namespace
+
+std::string_view trace_cause(std::string_view function, int line) {
+    const auto *point =
+        std::find_if(std::begin(trace_points), std::end(trace_points),
+                     [&](const trace_point &p) { return p.line == line && p.function == function; });
+    return point == std::end(trace_points) ? std::string_view() : point->cause;
+}
+
+std::string explain_trace(std::string_view trace_line) {
+    const std::string_view text = trace_line.substr(0, trace_line.find('\n'));
+    const std::size_t function_end = text.find(after_function);
+    const std::size_t line_begin = text.find(before_line);
+    if (function_end == std::string_view::npos || line_begin == std::string_view::npos) {
+        return std::string(text);
+    }
+    int line = 0;
+    std::from_chars(text.data() + line_begin + before_line.size(), text.data() + text.size(), line);
+    const std::string_view cause = trace_cause(text.substr(0, function_end), line);
+    return cause.empty() ? std::string(text) : fmt::format("{}  -- {}", text, cause);
+}
+
+} // namespace qrysh
