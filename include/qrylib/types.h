@@ -38,25 +38,23 @@ extern "C" {
  * enumerator (a tag above 5 in a caller's record) can be read and refused.
  */
 #ifdef __cplusplus
-#define QRY_LIB_ENUM(name) enum name : uint32_t
+#define QRY_LIB_32_BITS : uint32_t
 #else
-#define QRY_LIB_ENUM(name)                                                                                   \
-    typedef enum name name;                                                                                  \
-    enum name
+#define QRY_LIB_32_BITS
 #endif
 
 /* Which member of a column's value is valid. A zero-filled column reads as the integer 0. */
-QRY_LIB_ENUM(QRY_LIB_COLUMN_TYPE){
+typedef enum QRY_LIB_COLUMN_TYPE QRY_LIB_32_BITS {
     QRY_LIB_COLUMN_TYPE_INT = 0,    /* int_value: signed, 32 bits */
     QRY_LIB_COLUMN_TYPE_UCHAR = 1,  /* uchar_value: unsigned, 8 bits */
     QRY_LIB_COLUMN_TYPE_USHORT = 2, /* ushort_value: unsigned, 16 bits */
     QRY_LIB_COLUMN_TYPE_UINT = 3,   /* uint_value: unsigned, 32 bits */
     QRY_LIB_COLUMN_TYPE_ULONG = 4,  /* ulong_value: unsigned, 32 bits (not readable through get_uint) */
     QRY_LIB_COLUMN_TYPE_STR = 5     /* str_value: terminated string of at most 2999 characters */
-};
+} QRY_LIB_COLUMN_TYPE;
 
 /* What a statement does. */
-QRY_LIB_ENUM(QRY_LIB_DB_QUERY_TYPE){
+typedef enum QRY_LIB_DB_QUERY_TYPE QRY_LIB_32_BITS {
     QRY_LIB_DB_QUERY_TYPE_NONE = 0,   /* not set: a freshly initialised statement */
     QRY_LIB_DB_QUERY_TYPE_INSERT = 1, /* insert one row; an existing key is overwritten */
     QRY_LIB_DB_QUERY_TYPE_UPDATE = 2, /* update the matching rows */
@@ -64,10 +62,10 @@ QRY_LIB_ENUM(QRY_LIB_DB_QUERY_TYPE){
     QRY_LIB_DB_QUERY_TYPE_SELECT = 4, /* select rows into a rowset */
     QRY_LIB_DB_QUERY_TYPE_COUNT = 5,  /* count the matching rows: one row, one column of type UINT */
     QRY_LIB_DB_QUERY_TYPE_CREATE = 6  /* accepted, without effect */
-};
+} QRY_LIB_DB_QUERY_TYPE;
 
 /* How a condition compares. The gap is deliberate: the two list forms are expanded by the parser. */
-QRY_LIB_ENUM(QRY_LIB_OPERATION_TYPE){
+typedef enum QRY_LIB_OPERATION_TYPE QRY_LIB_32_BITS {
     QRY_LIB_OPERATION_TYPE_EQUAL = 0,         /* =  */
     QRY_LIB_OPERATION_TYPE_NOT_EQUAL = 1,     /* != */
     QRY_LIB_OPERATION_TYPE_LESS = 2,          /* <  */
@@ -77,14 +75,20 @@ QRY_LIB_ENUM(QRY_LIB_OPERATION_TYPE){
     QRY_LIB_OPERATION_TYPE_LIKE = 6,          /* LIKE: the value begins with the text */
     QRY_LIB_OPERATION_TYPE_IN = 98,           /* IN: becomes EQUAL conditions joined by OR */
     QRY_LIB_OPERATION_TYPE_INLIKE = 99        /* INLIKE: becomes LIKE conditions joined by OR */
-};
+} QRY_LIB_OPERATION_TYPE;
 
 /* How a condition joins the others. A lone condition carries AND. 0 is not used. */
-QRY_LIB_ENUM(QRY_LIB_JOIN_TYPE){QRY_LIB_JOIN_TYPE_AND = 1, QRY_LIB_JOIN_TYPE_OR = 2};
+typedef enum QRY_LIB_JOIN_TYPE QRY_LIB_32_BITS {
+    QRY_LIB_JOIN_TYPE_AND = 1,
+    QRY_LIB_JOIN_TYPE_OR = 2
+} QRY_LIB_JOIN_TYPE;
 
 /* Sort direction. The spelling is part of the interface. */
-QRY_LIB_ENUM(QRY_LIB_ODER_TYPE){QRY_LIB_ODER_TYPE_NOTHING = 0, QRY_LIB_ODER_TYPE_ASC = 1,
-                                QRY_LIB_ODER_TYPE_DESC = 2};
+typedef enum QRY_LIB_ODER_TYPE QRY_LIB_32_BITS {
+    QRY_LIB_ODER_TYPE_NOTHING = 0,
+    QRY_LIB_ODER_TYPE_ASC = 1,
+    QRY_LIB_ODER_TYPE_DESC = 2
+} QRY_LIB_ODER_TYPE;
 
 /* A value. Every member starts at the first byte. */
 typedef union {

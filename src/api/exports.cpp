@@ -1,4 +1,5 @@
 // The exported qry_lib_db_* functions: each forwards its arguments unchanged to its wrapper.
+#include <qrylib/db_handle.h>
 #include <qrylib/qrylib.h>
 
 #include "api/qry_lib_db_wrapper.h"
@@ -128,6 +129,10 @@ int32_t qry_lib_db_rowset_get_int(qry_lib_db_rowset_ *rowset, uint16_t col_index
 void qry_lib_db_rowset_get_str(char *buffer, uint32_t buffer_len, qry_lib_db_rowset_ *rowset,
                                uint16_t col_index, const char *default_str) {
     qry_lib_db_wrapper_rowset_get_str(buffer, buffer_len, rowset, col_index, default_str);
+}
+
+uint32_t qry_lib_db_get_unused_id(const qry_lib_db_unused_id_param_ *param, uint32_t *id_out) {
+    return qry_lib_db_wrapper_get_unused_id(param, id_out);
 }
 
 } // extern "C"

@@ -2,6 +2,7 @@
 // the wrapper of the same name; the wrapper checks them and does the work. C linkage, not exported.
 #pragma once
 
+#include <qrylib/db_handle.h>
 #include <qrylib/types.h>
 
 extern "C" {
@@ -59,5 +60,7 @@ int32_t qry_lib_db_wrapper_rowset_get_int(qry_lib_db_rowset_ *rowset, uint16_t c
                                           int32_t default_value);
 void qry_lib_db_wrapper_rowset_get_str(char *buffer, uint32_t buffer_len, qry_lib_db_rowset_ *rowset,
                                        uint16_t col_index, const char *default_str);
+
+uint32_t qry_lib_db_wrapper_get_unused_id(const qry_lib_db_unused_id_param_ *param, uint32_t *id_out);
 
 } // extern "C"

@@ -35,7 +35,7 @@ bool is_registered() {
 
 // A process makes the mutex once, so what happens before that is tried in processes of their own. Suites of
 // this kind run before all others.
-class db_handle_DeathTest : public ::testing::Test {
+class handle_registry_DeathTest : public ::testing::Test {
   protected:
     void SetUp() override {
         qryhost_fail(QRYHOST_LOCK_TASK, 0, 1, UINT32_MAX);
@@ -51,7 +51,7 @@ class db_handle_DeathTest : public ::testing::Test {
     [[noreturn]] static void finish(bool held) { std::exit(held ? 0 : 1); }
 };
 
-TEST_F(db_handle_DeathTest, before_any_add_there_is_no_entry_and_no_mutex) {
+TEST_F(handle_registry_DeathTest, before_any_add_there_is_no_entry_and_no_mutex) {
     EXPECT_EXIT(
         {
             int cell = 0;
@@ -63,7 +63,7 @@ TEST_F(db_handle_DeathTest, before_any_add_there_is_no_entry_and_no_mutex) {
         testing::ExitedWithCode(0), "");
 }
 
-TEST_F(db_handle_DeathTest, a_failing_task_lock_changes_nothing) {
+TEST_F(handle_registry_DeathTest, a_failing_task_lock_changes_nothing) {
     EXPECT_EXIT(
         {
             qryhost_fail(QRYHOST_LOCK_TASK, 0, 1, 0x31);
@@ -75,7 +75,7 @@ TEST_F(db_handle_DeathTest, a_failing_task_lock_changes_nothing) {
         testing::ExitedWithCode(0), "");
 }
 
-TEST_F(db_handle_DeathTest, a_mutex_that_cannot_be_created_is_tried_again) {
+TEST_F(handle_registry_DeathTest, a_mutex_that_cannot_be_created_is_tried_again) {
     EXPECT_EXIT(
         {
             qryhost_fail(QRYHOST_CREATE_MUTEX, 0, 1, 0x32);
@@ -88,7 +88,7 @@ TEST_F(db_handle_DeathTest, a_mutex_that_cannot_be_created_is_tried_again) {
         testing::ExitedWithCode(0), "");
 }
 
-TEST_F(db_handle_DeathTest, threads_that_arrive_first_at_once_create_one_mutex) {
+TEST_F(handle_registry_DeathTest, threads_that_arrive_first_at_once_create_one_mutex) {
     EXPECT_EXIT(
         {
             std::vector<std::thread> threads;
@@ -106,13 +106,13 @@ TEST_F(db_handle_DeathTest, threads_that_arrive_first_at_once_create_one_mutex) 
         testing::ExitedWithCode(0), "");
 }
 
-class db_handle : public test::platform_test {
+class handle_registry : public test::platform_test {
   protected:
-    db_handle() {
+    handle_registry() {
         EXPECT_FALSE(is_registered());
         qryhost_fail_clear(); // the question itself was counted
     }
-    ~db_handle() override {
+    ~handle_registry() override {
         qryhost_fail_clear();
         while (dsql_db_handle_delete() == 0) {
         }
@@ -120,7 +120,7 @@ class db_handle : public test::platform_test {
     }
 };
 
-TEST_F(db_handle, add_gives_the_thread_a_handle) {
+TEST_F(handle_registry, add_gives_the_thread_a_handle) {
     EXPECT_EQ(qryhost_current_db_handle(), 0u);
     EXPECT_EQ(dsql_db_handle_add(), 0);
     EXPECT_NE(qryhost_current_db_handle(), 0u);
@@ -130,7 +130,7 @@ TEST_F(db_handle, add_gives_the_thread_a_handle) {
     EXPECT_TRUE(lines.empty());
 }
 
-TEST_F(db_handle, the_last_delete_deregisters_and_the_next_add_registers_again) {
+TEST_F(handle_registry, the_last_delete_deregisters_and_the_next_add_registers_again) {
     for (int round = 0; round < 3; ++round) {
         EXPECT_EQ(dsql_db_handle_add(), 0);
         EXPECT_TRUE(is_registered());
@@ -139,7 +139,7 @@ TEST_F(db_handle, the_last_delete_deregisters_and_the_next_add_registers_again) 
     }
 }
 
-TEST_F(db_handle, delete_without_an_entry_is_1) {
+TEST_F(handle_registry, delete_without_an_entry_is_1) {
     EXPECT_EQ(dsql_db_handle_delete(), 1);
     EXPECT_EQ(dsql_db_handle_add(), 0);
     EXPECT_EQ(elsewhere(dsql_db_handle_delete), 1);
@@ -147,7 +147,7 @@ TEST_F(db_handle, delete_without_an_entry_is_1) {
     EXPECT_NE(qryhost_current_db_handle(), 0u);
 }
 
-TEST_F(db_handle, a_second_add_hides_the_first_entry) {
+TEST_F(handle_registry, a_second_add_hides_the_first_entry) {
     EXPECT_EQ(dsql_db_handle_add(), 0);
     const std::uint32_t first = qryhost_current_db_handle();
     EXPECT_EQ(dsql_db_handle_add(), 0);
@@ -158,7 +158,7 @@ TEST_F(db_handle, a_second_add_hides_the_first_entry) {
     EXPECT_EQ(dsql_db_handle_delete(), 1);
 }
 
-TEST_F(db_handle, each_thread_has_its_own) {
+TEST_F(handle_registry, each_thread_has_its_own) {
     EXPECT_EQ(dsql_db_handle_add(), 0);
     const std::uint32_t mine = qryhost_current_db_handle();
     EXPECT_EQ(elsewhere(qryhost_current_db_handle), 0u);
@@ -174,7 +174,7 @@ TEST_F(db_handle, each_thread_has_its_own) {
     EXPECT_EQ(qryhost_current_db_handle(), mine);
 }
 
-TEST_F(db_handle, an_entry_behind_others_can_be_deleted) {
+TEST_F(handle_registry, an_entry_behind_others_can_be_deleted) {
     EXPECT_EQ(dsql_db_handle_add(), 0);
     std::promise<void> added;
     std::promise<void> deleted;
@@ -194,14 +194,14 @@ TEST_F(db_handle, an_entry_behind_others_can_be_deleted) {
     other.get();
 }
 
-TEST_F(db_handle, the_callback_answers_only_for_the_registered_list) {
+TEST_F(handle_registry, the_callback_answers_only_for_the_registered_list) {
     EXPECT_EQ(dsql_db_handle_add(), 0);
     int stale = 0;
     EXPECT_EQ(dsql_db_handle_callback(&stale), 0u);
     EXPECT_EQ(dsql_db_handle_callback(nullptr), 0u);
 }
 
-TEST_F(db_handle, without_memory_for_the_cell_nothing_is_registered) {
+TEST_F(handle_registry, without_memory_for_the_cell_nothing_is_registered) {
     qryhost_fail(QRYHOST_ALLOC, 0, 1, 0x77);
     EXPECT_EQ(dsql_db_handle_add(), -1);
     EXPECT_EQ(qryhost_call_count(QRYHOST_REGISTER_SERVICE), 0u);
@@ -210,7 +210,7 @@ TEST_F(db_handle, without_memory_for_the_cell_nothing_is_registered) {
     EXPECT_EQ(dsql_db_handle_add(), 0);
 }
 
-TEST_F(db_handle, without_memory_for_the_first_node_nothing_stays_registered) {
+TEST_F(handle_registry, without_memory_for_the_first_node_nothing_stays_registered) {
     qryhost_fail(QRYHOST_ALLOC, 1, 1, 0x77);
     EXPECT_EQ(dsql_db_handle_add(), -1);
     EXPECT_EQ(qryhost_call_count(QRYHOST_CREATE_HANDLE), 0u);
@@ -218,7 +218,7 @@ TEST_F(db_handle, without_memory_for_the_first_node_nothing_stays_registered) {
     EXPECT_EQ(dsql_db_handle_delete(), 1);
 }
 
-TEST_F(db_handle, without_memory_for_a_further_node_the_others_stay) {
+TEST_F(handle_registry, without_memory_for_a_further_node_the_others_stay) {
     EXPECT_EQ(dsql_db_handle_add(), 0);
     const std::uint32_t mine = qryhost_current_db_handle();
     qryhost_fail(QRYHOST_ALLOC, 0, 1, 0x77);
@@ -227,7 +227,7 @@ TEST_F(db_handle, without_memory_for_a_further_node_the_others_stay) {
     EXPECT_EQ(qryhost_current_db_handle(), mine);
 }
 
-TEST_F(db_handle, a_refused_registration_leaves_nothing) {
+TEST_F(handle_registry, a_refused_registration_leaves_nothing) {
     qryhost_fail(QRYHOST_REGISTER_SERVICE, 0, 1, 0x21);
     const std::uint32_t blocks = qryhost_pool_blocks();
     EXPECT_EQ(dsql_db_handle_add(), 0x21);
@@ -239,7 +239,7 @@ TEST_F(db_handle, a_refused_registration_leaves_nothing) {
     EXPECT_EQ(dsql_db_handle_add(), 0);
 }
 
-TEST_F(db_handle, a_handle_that_cannot_be_created_drops_every_entry) {
+TEST_F(handle_registry, a_handle_that_cannot_be_created_drops_every_entry) {
     const std::uint32_t blocks = qryhost_pool_blocks();
     EXPECT_EQ(dsql_db_handle_add(), 0);
     EXPECT_EQ(dsql_db_handle_add(), 0);
@@ -254,7 +254,7 @@ TEST_F(db_handle, a_handle_that_cannot_be_created_drops_every_entry) {
     EXPECT_NE(qryhost_current_db_handle(), 0u);
 }
 
-TEST_F(db_handle, a_mutex_that_cannot_be_had_changes_nothing) {
+TEST_F(handle_registry, a_mutex_that_cannot_be_had_changes_nothing) {
     EXPECT_EQ(dsql_db_handle_add(), 0);
     const std::uint32_t mine = qryhost_current_db_handle();
     qryhost_fail(QRYHOST_REQUEST_MUTEX, 0, 3, 0x33);
@@ -265,7 +265,7 @@ TEST_F(db_handle, a_mutex_that_cannot_be_had_changes_nothing) {
     EXPECT_EQ(qryhost_current_db_handle(), mine);
 }
 
-TEST_F(db_handle, threads_add_ask_and_delete_at_once) {
+TEST_F(handle_registry, threads_add_ask_and_delete_at_once) {
     constexpr int rounds = 200;
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
