@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "platform/db_handle.h"
+#include "platform/os.h"
 #include "unit/support.h"
 
 namespace {
@@ -91,13 +92,20 @@ TEST_F(handle_registry_DeathTest, a_mutex_that_cannot_be_created_is_tried_again)
 TEST_F(handle_registry_DeathTest, threads_that_arrive_first_at_once_create_one_mutex) {
     EXPECT_EXIT(
         {
+            // The task lock stays taken until every thread has seen that there is no mutex.
+            constexpr std::uint32_t thread_num = 8;
+            pfwOSWLockTask();
             std::vector<std::thread> threads;
-            for (int i = 0; i < 8; ++i) {
+            for (std::uint32_t i = 0; i < thread_num; ++i) {
                 threads.emplace_back([] {
                     dsql_db_handle_add();
                     dsql_db_handle_delete();
                 });
             }
+            while (qryhost_call_count(QRYHOST_LOCK_TASK) != 1 + thread_num) {
+                std::this_thread::yield();
+            }
+            pfwOSWUnlockTask();
             for (std::thread &thread : threads) {
                 thread.join();
             }
