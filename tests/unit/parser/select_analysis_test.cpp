@@ -383,6 +383,7 @@ TEST_F(select_analysis, no_more_columns_or_tables_than_16_bits_count) {
     const test::codes once = {{"analyze_sql_select", refused}};
     EXPECT_EQ(analyze("SELECT A," + list + " FROM t"), refused);
     EXPECT_EQ(take_codes(), once);
+    EXPECT_EQ(info.get_cols_num(), 0);
     EXPECT_EQ(analyze("SELECT A FROM t," + list), refused);
     EXPECT_EQ(take_codes(), once);
     EXPECT_EQ(info.get_table_num(), 0);
