@@ -1,12 +1,7 @@
 // The filtered search: keys, their combination, its refusals, and what happens when the platform fails.
 #include <cstring>
 
-#include "platform/os.h"
 #include "unit/exec/exec_test.h"
-
-// The leak checker's switches; null where the tests are built without it.
-extern "C" __attribute__((weak)) void __lsan_disable();
-extern "C" __attribute__((weak)) void __lsan_enable();
 
 namespace {
 
@@ -368,23 +363,9 @@ TEST_F(record_search, without_memory_nothing_is_searched) {
     EXPECT_EQ(num, 0xAAAA);
 }
 
-// The block of a search that fails in a row test is lost; this settles the count, and nothing more.
-void settle_lost_block() {
-    EXPECT_EQ(pfwOSWOrgFreeMemPart(0, nullptr), 0u);
-}
-
 class failing_row_test : public record_search {
-  protected:
-    failing_row_test() {
-        if (__lsan_disable != nullptr) {
-            __lsan_disable();
-        }
-    }
-    ~failing_row_test() override {
-        if (__lsan_enable != nullptr) {
-            __lsan_enable();
-        }
-    }
+  private:
+    test::lost_blocks_allowed allowed_;
 };
 
 TEST_F(failing_row_test, ends_the_search_and_loses_its_block) {
@@ -401,7 +382,7 @@ TEST_F(failing_row_test, ends_the_search_and_loses_its_block) {
         EXPECT_EQ(id, 0u);
         EXPECT_EQ(num, 0xAAAA);
         EXPECT_EQ(qryhost_pool_blocks(), blocks + 1);
-        settle_lost_block();
+        test::settle_lost_block();
     }
 }
 
@@ -416,7 +397,7 @@ TEST_F(failing_row_test, gives_back_the_block_that_the_callers_id_names) {
     EXPECT_EQ(search(edit_counters, keys, id, num), access_error);
     EXPECT_EQ(id, 0u);
     EXPECT_EQ(qryhost_pool_blocks(), blocks); // one given back, one lost
-    settle_lost_block();
+    test::settle_lost_block();
 }
 
 TEST_F(failing_row_test, follows_a_list_table_that_could_not_be_created) {
@@ -434,14 +415,14 @@ TEST_F(failing_row_test, follows_a_list_table_that_could_not_be_created) {
         traces expected = row_test;
         expected.insert(expected.begin(), {"qry_lib_tb_create_list_table", 805, injected});
         EXPECT_EQ(take_traces(), expected);
-        settle_lost_block();
+        test::settle_lost_block();
     }
     qryhost_fail(QRYHOST_CREATE_LIST, 0, UINT32_MAX, injected);
     EXPECT_EQ(search(edit_counters, keys, id, num), access_error);
     traces expected(3, {"qry_lib_tb_create_list_table", 805, injected});
     expected.insert(expected.end(), row_test.begin(), row_test.end());
     EXPECT_EQ(take_traces(), expected);
-    settle_lost_block();
+    test::settle_lost_block();
 }
 
 TEST_F(record_search, a_missing_list_that_no_row_test_reaches_does_no_harm) {
