@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Every relative link in the Markdown pages under the folder $1 leads to a file or folder, and every fragment to
+# a heading of the page that it names.
+set -euo pipefail
+cd "$1"
+
+# The fragments of a page: its headings in lower case, blanks as hyphens, other punctuation dropped.
+fragments() {
+    awk '/^```/ { inside = !inside } !inside && /^#+ / { sub(/^#+ /, ""); print }' "$1" |
+        tr '[:upper:]' '[:lower:]' | sed 's/[^a-z0-9 _-]//g; s/ /-/g'
+}
+
+count=0
+wrong=0
+while IFS= read -r page; do
+    while IFS= read -r target; do
+        count=$((count + 1))
+        file=${target%%#*}
+        path=$(dirname "$page")/$file
+        [ -n "$file" ] || path=$page
+        if [ ! -e "$path" ]; then
+            echo "$page: ($target) leads nowhere" >&2
+            wrong=1
+        elif [[ $target == *#* && $path == *.md ]] && ! fragments "$path" | grep -qxF "${target#*#}"; then
+            echo "$page: ($target): there is no such heading" >&2
+            wrong=1
+        fi
+    done < <(awk '/^```/ { inside = !inside } !inside' "$page" | sed 's/`[^`]*`//g' |
+        grep -oE '\]\([^)]+\)' | sed 's/^](//; s/)$//' | grep -vE '^(https?|mailto):' || true)
+done < <(find . -name '*.md' -not -path './build/*' -not -path './.git/*' | sort)
+[ "$count" -gt 0 ] || { echo "no links found" >&2; exit 1; }
+[ "$wrong" -eq 0 ] || exit 1
+echo "$count links"
