@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Every relative link in the Markdown pages under the folder $1 leads to a file or folder, and every fragment to
 # a heading of the page that it names. Files of the project and functions that they name between backquotes exist.
+# shellcheck disable=SC2016
 set -euo pipefail
 cd "$1"
 
@@ -31,12 +32,13 @@ done < <(find . -name '*.md' -not -path './build/*' -not -path './.git/*' | sort
 
 # Names in capitals, "*" and "<" stand for many files. A function is written with its brackets.
 spans() {
-    find . -name '*.md' -not -path './build/*' -not -path './.git/*' -exec awk '/^```/ { inside = !inside } !inside' {} + |
-        grep -oE '`[^`]+`' | tr -d '`' | sort -u
+    find . -name '*.md' -not -path './build/*' -not -path './.git/*' -print0 |
+        xargs -0 awk '/^```/ { inside = !inside } !inside' | grep -oE '`[^`]+`' | tr -d '`' | sort -u
 }
 while IFS= read -r file; do
     [ -e "$file" ] || { echo "there is no file $file" >&2; wrong=1; }
-done < <(spans | grep -E '^(src|include|platform|tools|tests|docs|examples|scripts|cmake|fuzz|bench)/[^ ]*$' | grep -vE 'NAME|[*<]' || true)
+done < <(spans | grep -E '^(src|include|platform|tools|tests|docs|examples|scripts|cmake|fuzz|bench)/[^ ]*$' |
+    grep -vE 'NAME|[*<]' || true)
 while IFS= read -r function; do
     grep -rqwE "$function" src include platform tests tools || { echo "there is no function $function" >&2; wrong=1; }
 done < <(spans | grep -E '^[a-z_0-9:]+\(\)$' | sed 's/()$//; s/.*:://' || true)

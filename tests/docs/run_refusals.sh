@@ -36,7 +36,8 @@ awk '
         gsub(/⇥/, "\t", text)
         place = index(template, "...")
         ++rows
-        printf "%s\t%s\037\t%s\t%s\n", database, substr(template, 1, place - 1) text substr(template, place + 3), field[2], field[3]
+        statement = substr(template, 1, place - 1) text substr(template, place + 3)
+        printf "%s\t%s\037\t%s\t%s\n", database, statement, field[2], field[3]
     }' "$page" >"$scratch/rows"
 
 # Tabs may stand in a statement, so its end is marked; the shell reads it with a ";" behind it, which keeps blanks.
@@ -70,7 +71,8 @@ done < <(cut -f 1 "$scratch/rows" | sort -u)
 [ -s "$scratch/rows" ] || { echo "$page: no refusals found" >&2; exit 1; }
 
 # The rest of the table is about device data, and about conversions that leave their points on every call.
-missing=$(awk -F '\t' 'NR > 1 && $1 !~ /version|doublecount|ConvertTbRetcode|^conv_val/ { print "`" $1 "` " $2 }' "$points" |
+others='version|doublecount|ConvertTbRetcode|^conv_val'
+missing=$(awk -F '\t' -v others="$others" 'NR > 1 && $1 !~ others { print "`" $1 "` " $2 }' "$points" |
     while IFS= read -r point; do
         grep -qE "$point([^0-9]|$)" "$page" || echo "$point"
     done)
