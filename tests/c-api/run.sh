@@ -37,13 +37,13 @@ build_callers() {
 
 quietly cmake --install "$build" --prefix "$scratch/usr"
 build_callers "$scratch/found" -DCMAKE_PREFIX_PATH="$scratch/usr" -DCMAKE_STAGING_PREFIX="$scratch/usr"
-run_callers "$scratch/found"
+PKG_CONFIG_PATH=$(dirname "$(find "$scratch/usr" -name qrylib.pc)")
+export PKG_CONFIG_PATH
+LD_LIBRARY_PATH=${PKG_CONFIG_PATH%/pkgconfig} run_callers "$scratch/found"
 
 build_callers "$scratch/part" -DQRYLIB_SOURCE="$sources"
 run_callers "$scratch/part"
 
-PKG_CONFIG_PATH=$(dirname "$(find "$scratch/usr" -name qrylib.pc)")
-export PKG_CONFIG_PATH
 pkg-config --validate qrylib
 mkdir "$scratch/asked"
 read -r -a library <<<"$(pkg-config --cflags --libs qrylib)"
