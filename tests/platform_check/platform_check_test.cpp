@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/element_table.h"
+#include "platform/file_access.h"
 #include "platform/host/qryhost.h"
 #include "platform_check/wrong_platform.h"
 
@@ -24,6 +25,8 @@ class platform_check_test : public ::testing::Test {
     ~platform_check_test() override {
         test::inject(fault::none);
         qryhost_fail_clear();
+        fsa_fio_remove(options().area,
+                       options().directory); // a check that could not remove it leaves it there
     }
 };
 

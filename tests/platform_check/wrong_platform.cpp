@@ -112,8 +112,8 @@ std::uint32_t tbctSTCSetTable(std::uint32_t who, std::uint32_t category, std::ui
     if (is_wrong(fault::write_is_lost) || (is_wrong(fault::default_is_not_kept) && record == 0)) {
         return 0;
     }
-    if (is_wrong(fault::elements_share_memory) && element == person_kana) {
-        REAL(tbctSTCSetTable)(who, category, record, person_name, buffer);
+    if (is_wrong(fault::elements_share_memory) && element == person_name) {
+        REAL(tbctSTCSetTable)(who, category, record, person_kana, buffer);
     }
     return REAL(tbctSTCSetTable)(who, category, record, element, buffer);
 }

@@ -15,7 +15,10 @@ std::string counted(std::uint32_t number, const char *singular, const char *plur
 }
 
 std::string chapter_text(const chapter &part) {
-    std::string text = part.subject + ": " + (part.findings.empty() ? "as the library needs it\n" : "\n");
+    const char *verdict = !part.findings.empty() ? ""
+                          : part.notes.empty()   ? " as the library needs it"
+                                                 : " called";
+    std::string text = part.subject + ":" + verdict + "\n";
     for (const finding &found : part.findings) {
         text += "  " + found.function + " " + found.sentence + "\n";
     }

@@ -66,9 +66,10 @@ void check_reset(report &out, const table &of) {
                    "does not make record " + std::to_string(record) + " of " + of.name +
                        " equal to the default record.");
     }
-    const element &first = of.elements.front();
-    out.expect(read(out, of, first, 0) == sample(of, first, 0, 1), "tbctResetTable",
-               "changes the default record of " + of.name + ".");
+    for (const element &at : of.elements) {
+        out.expect(read(out, of, at, 0) == sample(of, at, 0, 1), "tbctResetTable",
+                   "changes the default record of " + of.name + ", element " + hex(at.id) + ".");
+    }
 }
 
 // The settings that the double-count mode reads.
