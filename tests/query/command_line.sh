@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # The shell's command line: options, statements as arguments, exit status, the two output streams.
 #
-# usage: command_line.sh PATH/TO/qrysh
+# usage: command_line.sh PATH/TO/qrysh [EMULATOR...]
 set -euo pipefail
-qrysh=$(realpath "$1")
+qrysh=("${@:2}" "$(realpath "$1")")
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 fixture=$root/examples/office.json
 
@@ -16,7 +16,7 @@ failures=0
 expect() {
     local status=0 wanted_status=$1 wanted_out=$2 wanted_err=$3
     shift 3
-    "$qrysh" "$@" >out 2>err </dev/null || status=$?
+    "${qrysh[@]}" "$@" >out 2>err </dev/null || status=$?
     # shellcheck disable=SC2053
     if [ "$status" -ne "$wanted_status" ] || [[ $(cat out) != $wanted_out ]] || [[ $(cat err) != $wanted_err ]]; then
         printf 'qrysh'; printf ' %q' "$@"; printf ': status %s\n' "$status"
@@ -51,20 +51,20 @@ expect 0 '[0-9]*.[0-9]*.[0-9]*' '' --version
 
 # A zero byte does not end a statement unseen.
 status=0
-printf 'DELETE FROM PSN_TBL\0WHERE PSN_ID = 1\n' | "$qrysh" >out 2>err || status=$?
+printf 'DELETE FROM PSN_TBL\0WHERE PSN_ID = 1\n' | "${qrysh[@]}" >out 2>err || status=$?
 if [ "$status" -ne 1 ] || [ -s out ] || ! grep -q 'zero byte' err; then
     echo "a zero byte was not refused"
     failures=$((failures + 1))
 fi
 
 # Lines may end in CR LF.
-if [ "$(printf '.mode csv\r\nSELECT COUNT(*) FROM PSN_TBL;\r\n' | "$qrysh" 2>&1)" != $'COUNT(*)\r\n0\r' ]; then
+if [ "$(printf '.mode csv\r\nSELECT COUNT(*) FROM PSN_TBL;\r\n' | "${qrysh[@]}" 2>&1)" != $'COUNT(*)\r\n0\r' ]; then
     echo "a carriage return at a line's end was not dropped"
     failures=$((failures + 1))
 fi
 
 # An answer that cannot be written is a failure.
-if "$qrysh" "$count" >/dev/full 2>err; then
+if "${qrysh[@]}" "$count" >/dev/full 2>err; then
     echo "a full output went unnoticed"
     failures=$((failures + 1))
 fi

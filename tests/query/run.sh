@@ -3,9 +3,9 @@
 # The records are those of NAME.json, or of the sample device where there is none. A trace line that is not in
 # the table of trace points carries a source line, which any edit moves: its number is shown as "*".
 #
-# usage: run.sh PATH/TO/qrysh NAME
+# usage: run.sh PATH/TO/qrysh NAME [EMULATOR...]
 set -euo pipefail
-qrysh=$(realpath "$1")
+qrysh=("${@:3}" "$(realpath "$1")")
 name=$2
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 root=$(cd "$here/../.." && pwd)
@@ -18,7 +18,7 @@ trap 'rm -rf "$scratch"' EXIT
 cd "$scratch"
 
 status=0
-"$qrysh" --echo --trace --fixture "$fixture" <"$here/$name.sql" >answers 2>&1 || status=$?
+"${qrysh[@]}" --echo --trace --fixture "$fixture" <"$here/$name.sql" >answers 2>&1 || status=$?
 echo "exit status $status" >>answers
 
 # shellcheck disable=SC2016
