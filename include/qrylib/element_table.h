@@ -85,7 +85,9 @@ QRY_LIB_API void qry_lib_tb_delete_search_table_id(qry_lib_tb_search_id *search_
 #ifdef __cplusplus
 }
 
-static_assert(sizeof(qry_lib_tb_list_filter_key_) == 3020, "a filter key is 3020 bytes");
+static_assert(sizeof(qry_lib_tb_list_filter_key_) == 3020 &&
+                  offsetof(qry_lib_tb_list_filter_key_, operation) == 3012,
+              "a filter key is 3020 bytes, its operation behind the value");
 #endif
 
 #endif

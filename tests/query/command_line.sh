@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # The shell's command line: options, statements as arguments, exit status, the two output streams.
 #
-# usage: command_line.sh PATH/TO/qrysh [EMULATOR...]
+# usage: command_line.sh COMMAND... (the shell's full path, behind an emulator where it needs one)
 set -euo pipefail
-qrysh=("${@:2}" "$(realpath "$1")")
+qrysh=("$@")
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 fixture=$root/examples/office.json
 
@@ -37,7 +37,7 @@ expect 0 '' ''
 
 # A failure anywhere is the run's, and later statements still run.
 expect 1 $'COUNT(\\*)\n--------\n       0\n(1 row)' 'error: QRY_LIB_INVALID_ARGUMENT (0xDB05): *' "$refused" "$count"
-expect 1 '' *'exec_select_proc():\[Return\]:(408) (0x0000DB05)  -- a selected column is not in the table, "\*" included (0xDB05)'*'error: *' --trace "$refused"
+expect 1 '' '*exec_select_proc():\[Return\]:(408) (0x0000DB05)  -- a selected column is not in the table, "\*" included (0xDB05)'*'error: *' --trace "$refused"
 expect 1 '' 'error: there is no command .nothing*' .nothing
 expect 1 '' 'error: *' .nothing .quit
 expect 0 '' '' .quit .nothing

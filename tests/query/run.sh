@@ -3,10 +3,10 @@
 # The records are those of NAME.json, or of the sample device where there is none. A trace line that is not in
 # the table of trace points carries a source line, which any edit moves: its number is shown as "*".
 #
-# usage: run.sh PATH/TO/qrysh NAME [EMULATOR...]
+# usage: run.sh NAME COMMAND... (the shell's full path, behind an emulator where it needs one)
 set -euo pipefail
-qrysh=("${@:3}" "$(realpath "$1")")
-name=$2
+name=$1
+qrysh=("${@:2}")
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 root=$(cd "$here/../.." && pwd)
 

@@ -47,6 +47,7 @@ column_name split_name(std::string_view name) {
 
 std::vector<std::string> make_titles(const std::vector<column_name> &columns) {
     std::vector<std::string> titles;
+    titles.reserve(columns.size());
     for (const column_name &column : columns) {
         titles.push_back(column.name.empty() ? "COUNT(*)" : column.name);
     }

@@ -28,6 +28,7 @@ cell read_cell(qry_lib_db_rowset_ &rows, std::uint16_t index, QRY_LIB_COLUMN_TYP
 
 std::vector<cell> read_row(qry_lib_db_rowset_ &rows, const QRY_LIB_RECORD &row) {
     std::vector<cell> cells;
+    cells.reserve(static_cast<std::size_t>(row.col_num));
     for (std::int32_t i = 0; i < row.col_num; ++i) {
         cells.push_back(read_cell(rows, static_cast<std::uint16_t>(i), row.cols[i].type));
     }
@@ -36,6 +37,7 @@ std::vector<cell> read_row(qry_lib_db_rowset_ &rows, const QRY_LIB_RECORD &row) 
 
 std::vector<column_name> named_columns(const QRY_LIB_RECORD &row) {
     std::vector<column_name> columns;
+    columns.reserve(static_cast<std::size_t>(row.col_num));
     for (std::int32_t i = 0; i < row.col_num; ++i) {
         columns.push_back({row.cols[i].table_name, row.cols[i].col_name});
     }

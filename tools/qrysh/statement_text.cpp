@@ -64,7 +64,7 @@ class scanner {
     // The library ignores a setter's over-long name, so its length is tested here.
     std::string expect_name(std::string_view what, std::size_t longest) {
         skip_blanks();
-        const std::string name(peek_word());
+        std::string name(peek_word());
         if (name.empty()) {
             fail(fmt::format("expected a {} name", what));
         }
