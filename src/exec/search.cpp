@@ -120,23 +120,33 @@ bool holds(const qry_lib_tb_list_filter_key_ &key, const char *row) {
     }
 }
 
-// How far the platform writes when it hands out a value of the element: a composite one reaches to its
-// farthest member. An element outside the schema may be as large as any value.
-std::uint32_t element_extent(std::uint32_t category, std::uint32_t element) {
-    std::uint32_t extent = 0;
+// How far a key's value reaches in the buffer.
+struct key_span {
+    std::uint32_t element_end; // where the platform stops writing: a composite reaches to its farthest member
+    std::uint32_t value_end;   // where the compared value ends at the latest
+};
+
+// An element outside the schema may be as large as any value.
+key_span find_span(std::uint32_t category, const qry_lib_tb_list_filter_key_ &key) {
+    key_span span{0, 0};
     for (const norvane::database_schema *database : norvane::databases) {
         for (std::uint16_t t = 0; t < database->table_num; ++t) {
             const QRY_LIB_TABLE_DEF &table = database->tables[t];
             for (std::int16_t i = 0; table.elements[0].info.category_id == category && i < table.element_num;
                  ++i) {
                 const QRY_LIB_ELEMENT_INFO &info = table.elements[i].info;
-                if (info.element_id == element) {
-                    extent = std::max<std::uint32_t>(extent, std::uint32_t{info.member_offset} + info.size);
+                const std::uint32_t end = std::uint32_t{info.member_offset} + info.size;
+                if (info.element_id == key.element_id) {
+                    span.element_end = std::max(span.element_end, end);
+                    span.value_end = info.member_offset == key.member_offset ? end : span.value_end;
                 }
             }
         }
     }
-    return extent == 0 ? sizeof(QRY_LIB_COLUMN_VALUE) : extent;
+    constexpr std::uint32_t largest = sizeof(QRY_LIB_COLUMN_VALUE);
+    span.element_end = std::max(span.element_end == 0 ? largest : span.element_end, value_end(key));
+    span.value_end = span.value_end == 0 ? span.element_end : span.value_end;
+    return span;
 }
 
 // One list table for each key, deleted when the search ends.
@@ -144,14 +154,14 @@ class list_tables {
   public:
     struct key_list {
         tbctListTable table;
-        std::uint32_t extent;
+        key_span span;
     };
 
     list_tables(std::uint32_t category, std::uint16_t key_num, const qry_lib_tb_list_filter_key_ *keys,
                 std::uint16_t record_num)
         : lists_(key_num) {
         for (std::uint16_t i = 0; i < key_num; ++i) {
-            lists_[i].extent = std::max(element_extent(category, keys[i].element_id), value_end(keys[i]));
+            lists_[i].span = find_span(category, keys[i]);
             const std::uint32_t code =
                 tbctSTCCreateListTable(category, keys[i].element_id, record_num, &lists_[i].table);
             if (code != 0) {
@@ -191,8 +201,11 @@ row_result test_row(std::uint16_t position, std::uint16_t key_num, const qry_lib
             trace_return(search_name, 519, QRY_LIB_TABLE_ACCESS);
             return row_result::failure;
         }
-        buffer.clear(list.extent);
+        buffer.clear(list.span.element_end);
         tbctSTCListTableGetVal(&list.table, buffer.data());
+        if (is_string_element(keys[i].elem_type)) {
+            buffer.data()[list.span.value_end] = '\0'; // a string may fill its element
+        }
         matches = holds(keys[i], buffer.at(keys[i].member_offset));
         const bool is_or = keys[i].join == QRY_LIB_JOIN_TYPE_OR;
         if (matches == is_or) {

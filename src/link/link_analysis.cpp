@@ -57,6 +57,14 @@ bool is_listed(const qry_lib_sql_parser &parser, const std::string &table,
     });
 }
 
+std::size_t count_conditions(const std::vector<qry_lib_analyze_info> &per_table) {
+    std::size_t total = 0;
+    for (const qry_lib_analyze_info &query : per_table) {
+        total += query.get_filter_cols_num();
+    }
+    return total;
+}
+
 void name_side(QRY_LIB_COLUMN &side, const column_reference &reference) {
     copy_bounded(side.table_name, reference.table.c_str());
     copy_bounded(side.col_name, reference.column.c_str());
@@ -209,8 +217,13 @@ std::uint32_t qry_lib_sql_parser::set_link_condition(std::uint16_t index, qry_li
         }
     }
     bool known = false;
+    std::size_t condition_num = count_conditions(per_table);
     for (std::uint16_t t = 0; t < info.get_table_num(); ++t) {
         if (get_is_table(t, compared.table, info) == 1) {
+            // A table listed several times gets the condition each time, beyond what 16 bits count.
+            if (++condition_num > UINT16_MAX) {
+                return refuse(name, __LINE__);
+            }
             per_table[t].add_filter_cols(compared.table.c_str(), compared.column.c_str(),
                                          filter.value.str_value, filter.operation, filter.join,
                                          filter.quoted);

@@ -11,7 +11,7 @@ namespace {
 
 using test::texts;
 
-class catalog : public test::trace_test {
+class schema_view : public test::trace_test {
   protected:
     static texts tables_of(const char *db) {
         texts names;
@@ -36,7 +36,7 @@ class catalog : public test::trace_test {
 
 const char *const database_names[] = {"adbk_db", "department_db", "usrac_db", "log_db"};
 
-TEST_F(catalog, there_are_four_databases) {
+TEST_F(schema_view, there_are_four_databases) {
     ASSERT_EQ(qry_lib_catalog_db_num(), 4);
     for (std::uint16_t i = 0; i < 4; ++i) {
         EXPECT_STREQ(qry_lib_catalog_db(i), database_names[i]);
@@ -45,7 +45,7 @@ TEST_F(catalog, there_are_four_databases) {
     EXPECT_EQ(qry_lib_catalog_db(65535), nullptr);
 }
 
-TEST_F(catalog, tables_stand_in_stored_order) {
+TEST_F(schema_view, tables_stand_in_stored_order) {
     EXPECT_EQ(tables_of("adbk_db"),
               (texts{"EDIT_CNT_TBL", "EMAIL_TBL", "FAX_TBL", "FTP_TBL", "GRPM_TBL", "GRP_TBL", "INTEG_TBL",
                      "ONE_TBL", "PSN_TBL", "SMB_TBL", "SSHEET_TBL", "TMP_ID_TBL"}));
@@ -60,7 +60,7 @@ TEST_F(catalog, tables_stand_in_stored_order) {
     EXPECT_EQ(take_chain(), texts{});
 }
 
-TEST_F(catalog, columns_are_described_as_results_carry_them) {
+TEST_F(schema_view, columns_are_described_as_results_carry_them) {
     EXPECT_EQ(columns_of("department_db", "EDIT_CNT_TBL"), (texts{"CNT 4 4", "ID 4 4 key"}));
     const texts departments = columns_of("department_db", "DEPT_TBL");
     ASSERT_EQ(departments.size(), 20u);
@@ -69,7 +69,7 @@ TEST_F(catalog, columns_are_described_as_results_carry_them) {
     EXPECT_EQ(departments[7], "NAME 5 193"); // a name is a string in a result
 }
 
-TEST_F(catalog, every_table_has_columns_keys_and_a_capacity) {
+TEST_F(schema_view, every_table_has_columns_keys_and_a_capacity) {
     for (const char *db : database_names) {
         for (const std::string &table : tables_of(db)) {
             SCOPED_TRACE(std::string(db) + "." + table);
@@ -94,7 +94,7 @@ TEST_F(catalog, every_table_has_columns_keys_and_a_capacity) {
     }
 }
 
-TEST_F(catalog, the_tables_that_hold_records_are_known) {
+TEST_F(schema_view, the_tables_that_hold_records_are_known) {
     std::map<std::string, int> capacities;
     for (const char *db : database_names) {
         for (const std::string &table : tables_of(db)) {
@@ -113,7 +113,7 @@ TEST_F(catalog, the_tables_that_hold_records_are_known) {
     EXPECT_EQ(capacities, expected);
 }
 
-TEST_F(catalog, a_table_holds_as_many_records_as_it_says) {
+TEST_F(schema_view, a_table_holds_as_many_records_as_it_says) {
     qryhost_reset();
     qry_lib_db_stmt_ stmt;
     qry_lib_db_get_stmt("adbk_db", &stmt);
@@ -133,7 +133,7 @@ TEST_F(catalog, a_table_holds_as_many_records_as_it_says) {
     qryhost_reset();
 }
 
-TEST_F(catalog, unknown_names_have_nothing) {
+TEST_F(schema_view, unknown_names_have_nothing) {
     const std::string long_name(1000000, 'x');
     for (const char *name :
          {"", "ADBK_DB", "adbk", "adbk_db ", long_name.c_str(), static_cast<const char *>(nullptr)}) {
@@ -145,7 +145,7 @@ TEST_F(catalog, unknown_names_have_nothing) {
     EXPECT_EQ(take_chain(), texts{});
 }
 
-TEST_F(catalog, refusals_carry_a_code_and_change_nothing) {
+TEST_F(schema_view, refusals_carry_a_code_and_change_nothing) {
     qry_lib_catalog_column_ column{};
     column.size = 4711;
     std::uint16_t capacity = 4711;

@@ -349,6 +349,24 @@ TEST_F(link_analysis, more_selected_columns_than_16_bits_count_are_refused) {
     EXPECT_EQ(link_info.get_cols_num(), 65535);
 }
 
+TEST_F(link_analysis, more_conditions_over_all_tables_than_16_bits_count_are_refused) {
+    qry_lib_analyze_info info;
+    queries per_table;
+    for (int t = 0; t < 9; ++t) {
+        info.add_table("a");
+        per_table.push_back(query_on("a"));
+    }
+    for (int i = 0; i < 7282; ++i) { // nine times 7281 is 65529
+        info.add_filter_cols("a.X", "1", QRY_LIB_OPERATION_TYPE_EQUAL, QRY_LIB_JOIN_TYPE_AND, 0);
+    }
+    EXPECT_EQ(parser.set_link_filter_cols(info, per_table, link_info), QRY_LIB_NOT_ACCEPTED);
+    const std::vector<std::pair<std::string, std::uint32_t>> codes = {
+        {"set_link_filter_cols", QRY_LIB_NOT_ACCEPTED}};
+    EXPECT_EQ(take_codes(), codes);
+    EXPECT_EQ(per_table[5].get_filter_cols_num(), 7282);
+    EXPECT_EQ(per_table[6].get_filter_cols_num(), 7281);
+}
+
 class link_condition : public link_analysis {
   protected:
     link_condition() {
