@@ -27,8 +27,8 @@ cat <<'END'
 ## Memory partition
 
 Blocks and bytes that one query has taken at its peak, over a full table of 101 departments; a linked SELECT joins it
-with the two edit counters. A statement record's own blocks count, and everything is given back at the end. Each row is a
-block of its own with 3164 bytes for every selected column, so it pays to select only the columns that are read.
+with the two edit counters. A statement record's own blocks count, and everything is given back at the end. Each row
+is a block of its own with 3164 bytes for every selected column, so select only the columns that are read.
 
 END
 qemu-ppc -L /usr/powerpc-linux-gnu build/device/tests/pool_peaks

@@ -13,7 +13,7 @@ start_files='^(__gmon_start__|_ITM_(de)?registerTMCloneTable)$'
 asked=$(nm -D --undefined-only "$library" | awk '{ print $NF }' |
     grep -vE '@(GLIBC|GLIBCXX|CXXABI|GCC)_' | grep -vE "$start_files" | sort -u)
 declared=$(cat "$contract"/*.h | sed -E 's@/\*.*\*/@@' | awk '/\/\*/ { comment = 1 } !comment { print } /\*\// { comment = 0 }' |
-    grep -v '^ *#' | tr '\n' ' ' | sed -E 's/typedef struct \{[^}]*\}[^;]*;//g; s/typedef [^;]*;//g; s/__attribute__\(\([^;]*;/;/g' |
+    grep -v '^ *#' | tr '\n' ' ' | sed -E 's/typedef struct \{[^}]*\}[^;]*;//g; s/typedef [^;]*;//g; s/static_assert\([^;]*;//g; s/__attribute__\(\([^;]*;/;/g' |
     grep -oE '[A-Za-z_0-9]+\(' | tr -d '(' | sort -u)
 if [ -z "$declared" ] || ! diff <(printf '%s\n' "$declared") <(printf '%s\n' "$asked"); then
     echo "undefined symbols (>) differ from the platform contract (<)" >&2
