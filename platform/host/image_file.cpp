@@ -78,7 +78,7 @@ store_memory map_for_writing(const std::string &path, open_file opened) {
 }
 
 std::string empty_image() {
-    const image_header header = expected_header();
+    const image_header &header = expected_header();
     std::string content(memory_shape::get().bytes, '\0');
     std::memcpy(content.data(), &header, sizeof header);
     return content;

@@ -100,13 +100,7 @@ const char *difference(const image_header &header, const image_header &expected)
     return nullptr;
 }
 
-std::string of_bytes(std::uint64_t found, std::uint64_t expected) {
-    return std::to_string(found) + " of " + std::to_string(expected) + " bytes";
-}
-
-} // namespace
-
-image_header expected_header() {
+image_header make_header() {
     image_header header{};
     std::memcpy(header.magic, image_magic, sizeof header.magic);
     header.byte_order = own_byte_order;
@@ -117,8 +111,19 @@ image_header expected_header() {
     return header;
 }
 
+std::string of_bytes(std::uint64_t found, std::uint64_t expected) {
+    return std::to_string(found) + " of " + std::to_string(expected) + " bytes";
+}
+
+} // namespace
+
+const image_header &expected_header() {
+    static const image_header header = make_header();
+    return header;
+}
+
 void check_header(const std::string &path, const image_header &header, std::uint64_t file_size) {
-    const image_header expected = expected_header();
+    const image_header &expected = expected_header();
     if (file_size < sizeof(image_header)) {
         throw refusal(path + ": is too short for a device image: " + of_bytes(file_size, expected.file_size));
     }

@@ -8,7 +8,8 @@
 
 namespace qryhost {
 
-image_header expected_header();
+// The only header that is accepted.
+const image_header &expected_header();
 
 // Throws `refusal` when a file of `file_size` bytes that starts with `header` is no image of this build.
 void check_header(const std::string &path, const image_header &header, std::uint64_t file_size);

@@ -50,12 +50,12 @@ temporary_file::temporary_file(const std::string &target, const std::string &con
     : path_(temporary_name(target)) {
     open_file file(path_, O_WRONLY | O_CREAT | O_EXCL);
     if (!file.is_open()) {
-        fail(path_, "cannot be created");
+        fail(target, "cannot be created");
     }
     try {
-        write_all(file.number(), content, path_);
+        write_all(file.number(), content, target);
         if (::fsync(file.number()) != 0 || !file.close()) {
-            fail(path_, "cannot be written");
+            fail(target, "cannot be written");
         }
     } catch (...) {
         ::unlink(path_.c_str());
