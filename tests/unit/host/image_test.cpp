@@ -265,6 +265,80 @@ TEST_F(image, every_cut_file_is_refused) {
     }
 }
 
+class checked_image : public image {
+  protected:
+    checked_image() { EXPECT_EQ(qryhost_open(path.c_str()), 0) << qryhost_error(); }
+
+    // The findings that are damage, and, unless there is none, what the check answers.
+    std::vector<std::string> damage() {
+        std::vector<std::string> found;
+        const auto collect = [](void *context, int is_damage, const char *text) {
+            if (is_damage != 0) {
+                static_cast<std::vector<std::string> *>(context)->emplace_back(text);
+            }
+        };
+        const int result = qryhost_check(path.c_str(), collect, &found);
+        EXPECT_EQ(result, found.empty() ? 0 : 1);
+        EXPECT_EQ(std::string(qryhost_error()).empty(), found.empty());
+        return found;
+    }
+
+    static void put_department(std::uint32_t record, std::uint16_t id, const value_buffer &name) {
+        EXPECT_EQ(tbctSTCSetTable(requester, departments, record, department_id, &id), 0u);
+        EXPECT_EQ(tbctSTCSetTable(requester, departments, record, department_name, name.data()), 0u);
+    }
+};
+
+using text_list = std::vector<std::string>;
+
+TEST_F(checked_image, without_damage_has_none) {
+    put_department(3, 7, empty_buffer());
+    put_department(4, 8, empty_buffer());
+    EXPECT_EQ(damage(), text_list{});
+}
+
+TEST_F(checked_image, with_a_key_in_two_records_is_damaged) {
+    put_department(3, 7, empty_buffer());
+    put_department(9, 7, empty_buffer());
+    EXPECT_EQ(damage(), text_list{"department_db.DEPT_TBL record 8 has the primary key of record 2"});
+}
+
+TEST_F(checked_image, with_a_string_without_an_end_is_damaged) {
+    put_department(0, 0, empty_buffer('x'));
+    put_department(5, 0, empty_buffer('x'));
+    EXPECT_EQ(damage(), (text_list{"department_db.DEPT_TBL default record: the string NAME has no end",
+                                   "department_db.DEPT_TBL record 4: the string NAME has no end"}));
+}
+
+// What a kill leaves of an INSERT: told, but no damage.
+TEST_F(checked_image, with_values_in_a_free_record_is_not_damaged) {
+    value_buffer name = empty_buffer();
+    name[0] = 'x';
+    put_department(2, 0, name);
+    text_list notes;
+    const auto collect = [](void *context, int is_damage, const char *text) {
+        EXPECT_EQ(is_damage, 0) << text;
+        static_cast<text_list *>(context)->emplace_back(text);
+    };
+    EXPECT_EQ(qryhost_check(path.c_str(), collect, &notes), 0);
+    EXPECT_EQ(
+        std::count(notes.begin(), notes.end(),
+                   "department_db.DEPT_TBL record 1 is free, but not all of it is as in the default record"),
+        1);
+}
+
+// The edit counters' records have the same key after every INSERT.
+TEST_F(checked_image, does_not_take_edit_counters_for_keyed_records) {
+    constexpr std::uint32_t edit_counters = 0x06070903;
+    for (const auto &[key, size] : element_sizes()) {
+        for (std::uint32_t record = 1; key.first == edit_counters && record <= 2; ++record) {
+            const value_buffer one = empty_buffer(1);
+            EXPECT_EQ(tbctSTCSetTable(requester, edit_counters, record, key.second, one.data()), 0u);
+        }
+    }
+    EXPECT_EQ(damage(), text_list{});
+}
+
 // The right to write is taken away for a child that is nobody special.
 TEST_F(image, that_cannot_be_written_is_read_and_answers_codes_to_writes) {
     fresh_content();
