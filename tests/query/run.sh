@@ -24,9 +24,10 @@ echo "exit status $status" >>answers
 # shellcheck disable=SC2016
 awk -F '\t' '
     NR == FNR { fixed[$1 "():" $2]; next }
-    match($0, /^[A-Za-z_0-9]+\(\):\[(Enter|Return)\]:\([0-9]+\)/) {
+    match($0, /^ *[A-Za-z_0-9]+\(\):\[(Enter|Return)\]:\([0-9]+\)/) {
         point = substr($0, 1, RLENGTH)
         function_name = substr(point, 1, index(point, ":[") - 1)
+        sub(/^ */, "", function_name)
         line = point
         sub(/.*\(/, "", line)
         sub(/\)/, "", line)

@@ -175,8 +175,7 @@ class planner {
         for (const free_key &free : free_keys_) {
             const std::size_t at = position_of(free.column);
             if (insert.values[at].value == free.value) {
-                fault(row[at].place,
-                      fmt::format("{} {} marks a free record", free.column, literal(free.value)));
+                fault(row[at].place, literal(free.value) + " marks a free record");
                 return;
             }
         }

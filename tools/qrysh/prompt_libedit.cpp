@@ -62,6 +62,7 @@ class libedit_prompt : public line_source {
                 continue;
             }
             if (typed == nullptr || length <= 0) {
+                print("\n"); // what is said next stands on a line of its own
                 return std::nullopt;
             }
             return keep(std::string(typed, static_cast<std::size_t>(length)));

@@ -55,7 +55,9 @@ query describe(const norvane::qry_lib_analyze_info &info) {
     char table[QRY_LIB_TABLE_NAME_MAX + 1];
     for (std::uint16_t i = 0; i < info.get_table_num(); ++i) {
         info.get_table(i, table);
-        asked.tables.emplace_back(table);
+        if (*table != '\0') { // a CREATE has an empty one
+            asked.tables.emplace_back(table);
+        }
     }
     describe_columns(info, asked);
     describe_conditions(info, asked);

@@ -110,7 +110,7 @@ outcome show_record(session &shell, const std::string &order) {
     const std::int64_t capacity = table_capacity(shell.database(), words[0]);
     if (*number > capacity) {
         return session::fail(
-            fmt::format("{} has the records 1 to {}, and 0, the default", words[0], capacity));
+            fmt::format("{} has {} records, from 1 on, and 0, the default", words[0], capacity));
     }
     const trace_log::pause quiet(shell.traces());
     result list{{"ELEMENT", "OFFSET", "SIZE", "COLUMN", "VALUE", "HEX"}, {}};
