@@ -95,4 +95,9 @@ if "${qrysh[@]}" "$count" >/dev/full 2>err; then
     failures=$((failures + 1))
 fi
 
+# What a statement cost is said beside its answer, and also of one that is refused.
+expect 0 $'COUNT*' 'time 0.?????? s; 1 rows; * blocks, at most * bytes at once; calls: alloc *' '.timer on' "$count"
+expect 1 '' $'error: *\ntime 0.?????? s; 0 rows; *' '.timer on' "$refused"
+expect 0 $'COUNT*' '' '.timer on' '.timer off' "$count"
+
 [ "$failures" -eq 0 ]

@@ -7,6 +7,12 @@ SELECT PSN_NAME FROM PSN_TBL WHERE PSN_ID = 1
 .fault alloc 0 1000 1
 .fault off
 SELECT PSN_NAME FROM PSN_TBL WHERE PSN_ID = 1
+.fault alloc 0 1 1
+UPDATE PSN_TBL SET PSN_NAME = 'x' WHERE PSN_ID = 1
+.fault get_table 0 1 0x5244
+.tables
+.fault create_list 0 1 1
+.dump PSN_TBL
 
 -- Every call of a statement in turn.
 .mode csv

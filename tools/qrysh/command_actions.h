@@ -1,4 +1,5 @@
-// What the commands do. Each answers done, or complains and answers failed.
+// What the commands do. Each answers done, or complains and answers failed; std::runtime_error, with a
+// sentence, where a file, the store or the output fails.
 #pragma once
 
 #include <string>

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <stdexcept>
 
 #include <fmt/format.h>
 
@@ -207,7 +208,11 @@ outcome run_command(session &shell, std::string_view line) {
     if (shell.options().readonly && found->effect == touches::files_and_records) {
         return session::fail(fmt::format("{} changes records: the shell was started with --readonly", name));
     }
-    return found->run(shell, word);
+    try {
+        return found->run(shell, word);
+    } catch (const std::runtime_error &error) { // a file, the store or the output failed: the shell goes on
+        return session::fail(error.what());
+    }
 }
 
 std::string command_help() {

@@ -112,14 +112,10 @@ outcome write_form(const std::string &path, const std::string &db_name, const ta
         return session::fail(fmt::format(
             "{}: the ending must be .csv, .json, .jsonl, .md, .sql, .sqlite or .db", printable(path)));
     }
-    try {
-        if (form->format == nullptr) {
-            write_sqlite(path, all);
-        } else {
-            write_file(path, form->format(db_name, all));
-        }
-    } catch (const std::runtime_error &error) {
-        return session::fail(error.what());
+    if (form->format == nullptr) {
+        write_sqlite(path, all);
+    } else {
+        write_file(path, form->format(db_name, all));
     }
     return outcome::done;
 }
@@ -159,18 +155,14 @@ sqlite_table describe_answer(const result &answer) {
 
 outcome dump(session &shell, const std::vector<std::string> &names, const std::string &path) {
     const trace_log::pause quiet(shell.traces());
-    try {
-        tables all;
-        for (const std::string &name : names) {
-            all.push_back(read_table(shell.database(), name));
-        }
-        if (!path.empty()) {
-            return write_form(path, shell.database(), all);
-        }
-        present(as_statements(shell.database(), all));
-    } catch (const std::runtime_error &error) {
-        return session::fail(error.what());
+    tables all;
+    for (const std::string &name : names) {
+        all.push_back(read_table(shell.database(), name));
     }
+    if (!path.empty()) {
+        return write_form(path, shell.database(), all);
+    }
+    present(as_statements(shell.database(), all));
     return outcome::done;
 }
 

@@ -79,8 +79,6 @@ outcome import_into(session &shell, const std::string &path, const std::string &
             plan = plan_import(shell.database(), table, read_csv(read_whole_file(path)));
         } catch (const csv_error &error) {
             plan.faults.push_back({error.place(), error.what()});
-        } catch (const std::runtime_error &error) {
-            return session::fail(error.what());
         }
     }
     return plan.faults.empty() ? write_rows(shell, plan.inserts) : report_faults(path, plan.faults);

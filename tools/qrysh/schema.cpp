@@ -4,6 +4,7 @@
 #include <qrylib/types.h>
 
 #include <algorithm>
+#include <stdexcept>
 
 #include <fmt/format.h>
 
@@ -69,7 +70,11 @@ std::int64_t table_capacity(const std::string &db_name, const std::string &table
 
 std::int64_t records_in_use(const std::string &db_name, const std::string &table_name) {
     const reply counted = execute(db_name, fmt::format("SELECT COUNT(*) FROM {}", table_name));
-    return counted.rows ? std::get<std::int64_t>(counted.rows->rows.at(0).at(0)) : 0;
+    if (!counted.rows) {
+        throw std::runtime_error(
+            fmt::format("{} cannot be counted: code 0x{:04X}", table_name, counted.code));
+    }
+    return std::get<std::int64_t>(counted.rows->rows.at(0).at(0));
 }
 
 } // namespace qrysh

@@ -3,6 +3,8 @@
 
 #include <qrylib/types.h>
 
+#include <new>
+
 #include <fmt/format.h>
 
 #include "platform/host/qryhost.h"
@@ -66,6 +68,8 @@ outcome session::run_statement(const std::string &sql) {
         fail(error.what());
         say(point_at(sql, {error.place() - 1, 1, ""}));
         return outcome::failed;
+    } catch (const std::bad_alloc &) { // the statement's record could not be built
+        return report(sql, QRY_LIB_NO_MEMORY);
     }
 }
 
@@ -75,15 +79,14 @@ outcome session::run_and_show(const std::string &sql) {
     const std::string spent =
         settings_.timer ? cost.describe(answer.rows ? answer.rows->rows.size() : 0) : "";
     if (answer.code != QRY_LIB_OK) {
-        return report(sql, answer.code);
-    }
-    if (answer.rows) {
+        report(sql, answer.code);
+    } else if (answer.rows) {
         show(*answer.rows);
     } else if (is_for_people(settings_.mode)) {
         say("ok\n");
     }
     say(spent);
-    return outcome::done;
+    return answer.code == QRY_LIB_OK ? outcome::done : outcome::failed;
 }
 
 outcome session::report(const std::string &sql, std::uint32_t code) {

@@ -113,7 +113,8 @@ void write_tables(const std::string &path, const std::vector<sqlite_table> &tabl
     const bool is_open = sqlite3_open(path.c_str(), &opened) == SQLITE_OK;
     const database_pointer database(opened);
     require(is_open, opened);
-    run(opened, "BEGIN");
+    // A file that is not finished is not kept, so that nothing need be undone or synced on the way.
+    run(opened, "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; BEGIN");
     for (const sqlite_table &table : tables) {
         write_table(opened, table);
     }
