@@ -108,6 +108,14 @@ expect '^paged: \.databases'
 type_line '.quit'
 expect '^left with 0$'
 
+# Ctrl-C while an answer is paged does not cost the next line.
+start PAGER='echo paging; sleep 1; cat >/dev/null'
+type_line '.help'
+expect '^paging$'
+keys C-c
+type_line '.help .quit'
+expect '^\.quit  leave the shell$'
+
 # A pager that is not there loses no answer.
 start PAGER=no-such-pager
 type_line '.db department_db'

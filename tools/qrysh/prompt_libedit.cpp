@@ -55,6 +55,7 @@ class libedit_prompt : public line_source {
     std::optional<std::string> next() override {
         for (;;) {
             int length = 0;
+            take_interrupt(); // one that came before, while an answer was shown, is not this line's
             const char *const typed = el_gets(editor_.get(), &length);
             if (take_interrupt()) {
                 el_reset(editor_.get());

@@ -17,6 +17,7 @@ class plain_prompt : public line_source {
     std::optional<std::string> next() override {
         for (;;) {
             print(prompt_text);
+            take_interrupt(); // one that came before is not this line's
             std::string line;
             if (std::getline(std::cin, line)) {
                 return line;
