@@ -75,6 +75,8 @@ uint32_t tbctSTCDeleteListTable(tbctListTable *list, uint32_t option);
 
 #ifdef __cplusplus
 }
+
+static_assert(sizeof(tbctListTable) == 16, "the platform keeps 16 bytes of its own in a list");
 #endif
 
 #endif

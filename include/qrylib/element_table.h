@@ -34,7 +34,7 @@ typedef uintptr_t qry_lib_tb_search_id;
 
 /*
  * The order of names and of string values: bytes as signed numbers, -1, 0 or 1. strncmp compares at most n
- * (its low 16 bits) positions and answers 0 whenever `a` is a prefix of `b`, or n is 0.
+ * positions (all, when n is above 65535) and answers 0 whenever `a` is a prefix of `b`, or n is 0.
  */
 QRY_LIB_API int qry_lib_tb_strcmp(const char *a, const char *b);
 QRY_LIB_API int qry_lib_tb_strncmp(const char *a, const char *b, uint32_t n);
@@ -85,7 +85,9 @@ QRY_LIB_API void qry_lib_tb_delete_search_table_id(qry_lib_tb_search_id *search_
 #ifdef __cplusplus
 }
 
-static_assert(sizeof(qry_lib_tb_list_filter_key_) == 3020, "a filter key is 3020 bytes");
+static_assert(sizeof(qry_lib_tb_list_filter_key_) == 3020 &&
+                  offsetof(qry_lib_tb_list_filter_key_, operation) == 3012,
+              "a filter key is 3020 bytes, its operation behind the value");
 #endif
 
 #endif

@@ -7,6 +7,7 @@
 #ifndef QRYLIB_TYPES_H
 #define QRYLIB_TYPES_H
 
+#include <stddef.h>
 #include <stdint.h>
 
 #ifdef __cplusplus
@@ -144,6 +145,9 @@ typedef struct {
 static_assert(sizeof(QRY_LIB_COLUMN_TYPE) == 4 && sizeof(QRY_LIB_DB_QUERY_TYPE) == 4, "32-bit enumerations");
 static_assert(sizeof(QRY_LIB_COLUMN_VALUE) == 3000, "the value union is 3000 bytes");
 static_assert(sizeof(QRY_LIB_COLUMN) == 3164, "a column is 3164 bytes");
+static_assert(offsetof(QRY_LIB_COLUMN, value) == 32 && offsetof(QRY_LIB_COLUMN, type) == 3032 &&
+                  offsetof(QRY_LIB_COLUMN, table_name) == 3036,
+              "a column's fields stand where every build has them");
 #endif
 
 #endif

@@ -97,6 +97,23 @@ struct list_state {
 };
 static_assert(sizeof(list_state) <= sizeof(tbctListTable));
 
+// Searches read mostly numbers, one for each row and key; those are copied without a call.
+void copy_value(void *to, const std::uint8_t *from, std::size_t size) {
+    switch (size) {
+    case 1:
+        std::memcpy(to, from, 1);
+        break;
+    case 2:
+        std::memcpy(to, from, 2);
+        break;
+    case 4:
+        std::memcpy(to, from, 4);
+        break;
+    default:
+        std::memcpy(to, from, size);
+    }
+}
+
 list_state unpack(const tbctListTable &list) {
     list_state state;
     std::memcpy(&state, &list, sizeof state);
@@ -200,7 +217,7 @@ std::uint32_t tbctSTCListTableGetVal(tbctListTable *list, void *buffer) {
     if (state.values == nullptr || state.position >= state.count) {
         return refused;
     }
-    std::memcpy(buffer, state.values + std::size_t{state.size} * state.position, state.size);
+    copy_value(buffer, state.values + std::size_t{state.size} * state.position, state.size);
     return 0;
 }
 

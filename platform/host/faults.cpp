@@ -1,44 +1,72 @@
-// Fault injection and call counts. Counting is one atomic addition; the lock is taken only where a fault
-// waits.
+// Which calls are to fail, and how many there were in all threads.
 #include "platform/host/faults.h"
 
+#include <algorithm>
 #include <array>
-#include <atomic>
+#include <memory>
 #include <mutex>
+#include <vector>
+
+namespace qryhost {
+
+__thread thread_calls *calls_of_this_thread = nullptr;
+std::atomic<std::uint32_t> armed_calls{0};
 
 namespace {
 
-// On a cache line of its own: threads that make calls of different kinds do not slow each other.
-struct alignas(64) call_record {
-    std::atomic<std::uint32_t> calls{0};
-    std::atomic<bool> armed{false}; // times is not 0
-    std::uint32_t skip = 0;         // these three change under faults_lock
+struct fault {
+    std::uint32_t skip = 0;
     std::uint32_t times = 0;
     std::uint32_t code = 0;
 };
 
-std::mutex faults_lock;
-std::array<call_record, QRYHOST_CALL_NUM> records;
+// Everything that threads share here, under one lock.
+struct shared_state {
+    std::mutex lock;
+    std::array<fault, QRYHOST_CALL_NUM> faults;
+    std::vector<std::unique_ptr<thread_calls>> threads;
+    std::array<std::uint32_t, QRYHOST_CALL_NUM> ended{};   // calls of threads that have ended
+    std::array<std::uint32_t, QRYHOST_CALL_NUM> cleared{}; // calls before the last qryhost_fail_clear
+};
 
-void arm(call_record &record, std::uint32_t skip, std::uint32_t times, std::uint32_t code) {
-    record.skip = skip;
-    record.times = times;
-    record.code = code;
-    record.armed = times != 0;
+// Never destroyed: threads may outlive the library's static objects.
+shared_state &shared() {
+    static shared_state *state = new shared_state;
+    return *state;
 }
 
-std::uint32_t take_fault(call_record &record) {
-    const std::lock_guard<std::mutex> hold(faults_lock);
-    if (record.times == 0) {
-        return 0;
+std::uint32_t total(const shared_state &state, std::size_t call) {
+    std::uint32_t calls = state.ended[call];
+    for (const auto &thread : state.threads) {
+        calls += thread->calls[call].load(std::memory_order_relaxed);
     }
-    if (record.skip != 0) {
-        --record.skip;
-        return 0;
+    return calls;
+}
+
+// Adds the thread's calls to those of the threads that have ended, when it ends.
+struct end_of_thread {
+    ~end_of_thread() {
+        shared_state &state = shared();
+        const std::lock_guard<std::mutex> hold(state.lock);
+        const auto mine = std::find_if(state.threads.begin(), state.threads.end(), [](const auto &thread) {
+            return thread.get() == calls_of_this_thread;
+        });
+        for (std::size_t call = 0; call < QRYHOST_CALL_NUM; ++call) {
+            state.ended[call] += (*mine)->calls[call].load(std::memory_order_relaxed);
+        }
+        state.threads.erase(mine);
+        calls_of_this_thread = nullptr;
     }
-    --record.times;
-    record.armed = record.times != 0;
-    return record.code;
+};
+
+void arm(shared_state &state, std::size_t call, const fault &wanted) {
+    state.faults[call] = wanted;
+    const std::uint32_t bit = 1u << call;
+    if (wanted.times != 0) {
+        armed_calls |= bit;
+    } else {
+        armed_calls &= ~bit;
+    }
 }
 
 bool is_call(qryhost_call call) {
@@ -47,12 +75,29 @@ bool is_call(qryhost_call call) {
 
 } // namespace
 
-namespace qryhost {
+thread_calls *register_thread() {
+    shared_state &state = shared();
+    const std::lock_guard<std::mutex> hold(state.lock);
+    calls_of_this_thread = state.threads.emplace_back(new thread_calls()).get();
+    static thread_local end_of_thread at_end;
+    static_cast<void>(at_end);
+    return calls_of_this_thread;
+}
 
-std::uint32_t injected_fault(qryhost_call call) {
-    call_record &record = records[call];
-    record.calls.fetch_add(1, std::memory_order_relaxed);
-    return record.armed.load(std::memory_order_acquire) ? take_fault(record) : 0;
+std::uint32_t take_fault(qryhost_call call) {
+    shared_state &state = shared();
+    const std::lock_guard<std::mutex> hold(state.lock);
+    fault &waiting = state.faults[call];
+    if (waiting.times == 0) {
+        return 0;
+    }
+    if (waiting.skip != 0) {
+        --waiting.skip;
+        return 0;
+    }
+    const std::uint32_t code = waiting.code;
+    arm(state, call, {0, waiting.times - 1, code});
+    return code;
 }
 
 } // namespace qryhost
@@ -60,23 +105,30 @@ std::uint32_t injected_fault(qryhost_call call) {
 extern "C" {
 
 void qryhost_fail(qryhost_call call, std::uint32_t skip, std::uint32_t times, std::uint32_t code) {
-    if (!is_call(call)) {
+    if (!qryhost::is_call(call)) {
         return;
     }
-    const std::lock_guard<std::mutex> hold(faults_lock);
-    arm(records[call], skip, times, code);
+    qryhost::shared_state &state = qryhost::shared();
+    const std::lock_guard<std::mutex> hold(state.lock);
+    qryhost::arm(state, call, {skip, times, code});
 }
 
 void qryhost_fail_clear(void) {
-    const std::lock_guard<std::mutex> hold(faults_lock);
-    for (call_record &record : records) {
-        arm(record, 0, 0, 0);
-        record.calls = 0;
+    qryhost::shared_state &state = qryhost::shared();
+    const std::lock_guard<std::mutex> hold(state.lock);
+    for (std::size_t call = 0; call < QRYHOST_CALL_NUM; ++call) {
+        qryhost::arm(state, call, {});
+        state.cleared[call] = qryhost::total(state, call);
     }
 }
 
 std::uint32_t qryhost_call_count(qryhost_call call) {
-    return is_call(call) ? records[call].calls.load() : 0;
+    if (!qryhost::is_call(call)) {
+        return 0;
+    }
+    qryhost::shared_state &state = qryhost::shared();
+    const std::lock_guard<std::mutex> hold(state.lock);
+    return qryhost::total(state, call) - state.cleared[call];
 }
 
 } // extern "C"

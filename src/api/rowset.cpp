@@ -78,11 +78,13 @@ bool write_default(char *buffer, std::uint32_t buffer_len, const char *default_s
     return true;
 }
 
+// The buffer's last byte is a terminator whatever the length: callers may hand on the whole buffer.
 void write_text(char *buffer, std::uint32_t buffer_len, const char *text, std::size_t text_capacity) {
     const std::size_t length =
         norvane::bounded_length(text, std::min<std::size_t>(text_capacity, buffer_len - 1));
     std::memcpy(buffer, text, length);
     buffer[length] = '\0';
+    buffer[buffer_len - 1] = '\0';
 }
 
 // A number's raw bytes as text, most significant first on every machine, as the device stores them.

@@ -1,6 +1,7 @@
 // Lookups in the schema, conversions of values, and the four catalogs.
 #include "exec/qry_lib_table_element.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -288,6 +289,10 @@ void qry_lib_table_element_log::conv_val_tbdb_to_db2e_internal(QRY_LIB_ELEMENT_I
                                                                char const *col_name, char const *buffer,
                                                                QRY_LIB_COLUMN &column) {
     copy_bounded(column.col_name, col_name);
+    // Members overlap, so what lies behind a value belongs to another one: none of it may show.
+    if (is_string_element(info.elem_type)) {
+        std::memset(column.value.str_value, 0, std::min(std::size_t{info.size}, sizeof column.value));
+    }
     convert_element(info, buffer + info.member_offset, column);
 }
 

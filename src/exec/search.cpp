@@ -32,13 +32,19 @@ bool is_allowed(const qry_lib_tb_list_filter_key_ &key) {
                                             : key.operation != QRY_LIB_OPERATION_TYPE_LIKE;
 }
 
+// Where the compared value ends at the earliest.
+std::uint32_t value_end(const qry_lib_tb_list_filter_key_ &key) {
+    return key.member_offset +
+           std::uint32_t{is_string_element(key.elem_type) ? std::uint8_t{0} : key.cmp_size};
+}
+
 // The row value lies within the buffer, and a string to compare with has its end.
 bool is_well_formed(const qry_lib_tb_list_filter_key_ &key) {
     if (is_string_element(key.elem_type)) {
         return key.member_offset < QRY_LIB_STRING_MAX &&
                norvane::fits(static_cast<const char *>(key.value), QRY_LIB_STRING_MAX);
     }
-    return key.member_offset + std::uint32_t{key.cmp_size} <= sizeof key.value;
+    return value_end(key) <= sizeof key.value;
 }
 
 // Bytes of a number of the type; 0: no number, compared as bytes alone.
@@ -114,15 +120,50 @@ bool holds(const qry_lib_tb_list_filter_key_ &key, const char *row) {
     }
 }
 
+// How far a key's value reaches in the buffer.
+struct key_span {
+    std::uint32_t element_end; // where the platform stops writing: a composite reaches to its farthest member
+    std::uint32_t value_end;   // where the compared value ends at the latest
+};
+
+// An element outside the schema may be as large as any value.
+key_span find_span(std::uint32_t category, const qry_lib_tb_list_filter_key_ &key) {
+    key_span span{0, 0};
+    for (const norvane::database_schema *database : norvane::databases) {
+        for (std::uint16_t t = 0; t < database->table_num; ++t) {
+            const QRY_LIB_TABLE_DEF &table = database->tables[t];
+            for (std::int16_t i = 0; table.elements[0].info.category_id == category && i < table.element_num;
+                 ++i) {
+                const QRY_LIB_ELEMENT_INFO &info = table.elements[i].info;
+                const std::uint32_t end = std::uint32_t{info.member_offset} + info.size;
+                if (info.element_id == key.element_id) {
+                    span.element_end = std::max(span.element_end, end);
+                    span.value_end = info.member_offset == key.member_offset ? end : span.value_end;
+                }
+            }
+        }
+    }
+    constexpr std::uint32_t largest = sizeof(QRY_LIB_COLUMN_VALUE);
+    span.element_end = std::max(span.element_end == 0 ? largest : span.element_end, value_end(key));
+    span.value_end = span.value_end == 0 ? span.element_end : span.value_end;
+    return span;
+}
+
 // One list table for each key, deleted when the search ends.
 class list_tables {
   public:
+    struct key_list {
+        tbctListTable table;
+        key_span span;
+    };
+
     list_tables(std::uint32_t category, std::uint16_t key_num, const qry_lib_tb_list_filter_key_ *keys,
                 std::uint16_t record_num)
         : lists_(key_num) {
         for (std::uint16_t i = 0; i < key_num; ++i) {
+            lists_[i].span = find_span(category, keys[i]);
             const std::uint32_t code =
-                tbctSTCCreateListTable(category, keys[i].element_id, record_num, &lists_[i]);
+                tbctSTCCreateListTable(category, keys[i].element_id, record_num, &lists_[i].table);
             if (code != 0) {
                 // The search goes on without its lists and fails at the first record.
                 delete_all();
@@ -134,17 +175,17 @@ class list_tables {
     list_tables &operator=(const list_tables &) = delete;
     ~list_tables() { delete_all(); }
 
-    tbctListTable *operator[](std::size_t index) { return &lists_[index]; }
+    key_list &operator[](std::size_t index) { return lists_[index]; }
 
   private:
     // Harmless on lists that were not created or are deleted already.
     void delete_all() {
-        for (tbctListTable &list : lists_) {
-            tbctSTCDeleteListTable(&list, 0);
+        for (key_list &list : lists_) {
+            tbctSTCDeleteListTable(&list.table, 0);
         }
     }
 
-    std::vector<tbctListTable> lists_;
+    std::vector<key_list> lists_; // zeroed before the first is created
 };
 
 enum class row_result { match, no_match, failure };
@@ -155,12 +196,16 @@ row_result test_row(std::uint16_t position, std::uint16_t key_num, const qry_lib
                     list_tables &lists, element_buffer &buffer) {
     bool matches = key_num == 0;
     for (std::uint16_t i = 0; i < key_num; ++i) {
-        if (tbctSTCListTableSetPos(lists[i], position) != 0) {
+        list_tables::key_list &list = lists[i];
+        if (tbctSTCListTableSetPos(&list.table, position) != 0) {
             trace_return(search_name, 519, QRY_LIB_TABLE_ACCESS);
             return row_result::failure;
         }
-        buffer.clear();
-        tbctSTCListTableGetVal(lists[i], buffer.data());
+        buffer.clear(list.span.element_end);
+        tbctSTCListTableGetVal(&list.table, buffer.data());
+        if (is_string_element(keys[i].elem_type)) {
+            buffer.data()[list.span.value_end] = '\0'; // a string may fill its element
+        }
         matches = holds(keys[i], buffer.at(keys[i].member_offset));
         const bool is_or = keys[i].join == QRY_LIB_JOIN_TYPE_OR;
         if (matches == is_or) {

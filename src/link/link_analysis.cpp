@@ -57,21 +57,34 @@ bool is_listed(const qry_lib_sql_parser &parser, const std::string &table,
     });
 }
 
+std::size_t count_conditions(const std::vector<qry_lib_analyze_info> &per_table) {
+    std::size_t total = 0;
+    for (const qry_lib_analyze_info &query : per_table) {
+        total += query.get_filter_cols_num();
+    }
+    return total;
+}
+
 void name_side(QRY_LIB_COLUMN &side, const column_reference &reference) {
     copy_bounded(side.table_name, reference.table.c_str());
     copy_bounded(side.col_name, reference.column.c_str());
 }
 
-// The join keys come back from the per-table queries, whether or not the caller selected them.
-void add_key_column(const qry_lib_sql_parser &parser, const column_reference &key,
+// The join keys come back from the per-table queries, whether or not the caller selected them. False when a
+// query has no room for one more column.
+bool add_key_column(const qry_lib_sql_parser &parser, const column_reference &key,
                     std::vector<qry_lib_analyze_info> &per_table) {
     static constexpr QRY_LIB_COLUMN_VALUE no_value{};
     for (std::uint16_t t = 0; t < per_table.size(); ++t) {
         if (parser.get_is_table(0, key.table, per_table[t]) == 1 &&
             parser.get_is_col_name(t, key.column, per_table) == 0) {
+            if (per_table[t].get_cols_num() == UINT16_MAX) {
+                return false;
+            }
             per_table[t].add_cols(key.table.c_str(), key.column.c_str(), no_value, QRY_LIB_COLUMN_TYPE_STR);
         }
     }
+    return true;
 }
 
 } // namespace
@@ -129,6 +142,10 @@ std::uint32_t qry_lib_sql_parser::set_link_select_cols(qry_lib_analyze_info &inf
         bool known = false;
         for (std::uint16_t t = 0; t < info.get_table_num(); ++t) {
             if (get_is_table(t, selected.table, info) == 1) {
+                // A table listed several times gets the column each time, beyond what 16 bits count.
+                if (link_info.get_cols_num() == UINT16_MAX) {
+                    return refuse(__func__, __LINE__);
+                }
                 per_table[t].add_cols(selected.table.c_str(), selected.column.c_str(), value,
                                       QRY_LIB_COLUMN_TYPE_STR);
                 link_info.add_cols(selected.table.c_str(), selected.column.c_str());
@@ -200,8 +217,13 @@ std::uint32_t qry_lib_sql_parser::set_link_condition(std::uint16_t index, qry_li
         }
     }
     bool known = false;
+    std::size_t condition_num = count_conditions(per_table);
     for (std::uint16_t t = 0; t < info.get_table_num(); ++t) {
         if (get_is_table(t, compared.table, info) == 1) {
+            // A table listed several times gets the condition each time, beyond what 16 bits count.
+            if (++condition_num > UINT16_MAX) {
+                return refuse(name, __LINE__);
+            }
             per_table[t].add_filter_cols(compared.table.c_str(), compared.column.c_str(),
                                          filter.value.str_value, filter.operation, filter.join,
                                          filter.quoted);
@@ -250,8 +272,9 @@ std::uint32_t qry_lib_sql_parser::set_link_filter_val(unsigned short index, qry_
     name_side(link.left, left);
     name_side(link.right, right);
     link_info.add_link(link);
-    add_key_column(*this, left, per_table);
-    add_key_column(*this, right, per_table);
+    if (!add_key_column(*this, left, per_table) || !add_key_column(*this, right, per_table)) {
+        return refuse(__func__, __LINE__);
+    }
     return 0;
 }
 

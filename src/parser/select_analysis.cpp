@@ -160,6 +160,9 @@ std::uint32_t qry_lib_sql_parser::set_select_cols(const std::string &cols, bool 
     if (divide_keyword(list.as<char>(), ",", count, items) != 0) {
         return trace_return(name, 269, QRY_LIB_NOT_ACCEPTED);
     }
+    if (count > count_max) {
+        return trace_return(name, __LINE__, QRY_LIB_NOT_ACCEPTED);
+    }
     if (count == 0) {
         return add_select_col(cols, info);
     }
@@ -177,7 +180,7 @@ std::uint32_t qry_lib_sql_parser::set_select_cols(const std::string &cols, bool 
 // Records a column without a value yet: the empty string, zeros behind it.
 std::uint32_t qry_lib_sql_parser::add_select_col(const std::string &col, qry_lib_analyze_info &info) const {
     static constexpr QRY_LIB_COLUMN_VALUE no_value{};
-    if (col.size() > QRY_LIB_COLUMN_NAME_MAX || info.get_cols_num() == count_max) {
+    if (col.size() > QRY_LIB_COLUMN_NAME_MAX) {
         return trace_return("analyze_sql_select", __LINE__, QRY_LIB_NOT_ACCEPTED);
     }
     info.add_cols(col.c_str(), no_value, QRY_LIB_COLUMN_TYPE_STR);

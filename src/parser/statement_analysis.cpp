@@ -94,10 +94,10 @@ std::uint32_t qry_lib_sql_parser::analyze_drop(std::vector<std::string> &parts,
 std::uint32_t qry_lib_sql_parser::analyze_delete(const char *text, qry_lib_analyze_info &info) const {
     std::vector<std::string> parts;
     const found from = find_two_keyword(text, " DELETE ", " FROM ", parts).outcome;
-    if (from == found::repeated || from == found::no_memory) {
+    if (from == found::repeated) {
         return refuse(528);
     }
-    if (from == found::absent) {
+    if (from != found::yes) {
         return refuse(533);
     }
     std::string &before = parts[0];

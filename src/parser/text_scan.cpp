@@ -1,5 +1,6 @@
 // Text scanning: trimming, splitting at keywords, peeling quotes, brackets and percent signs.
 #include <cstring>
+#include <string_view>
 
 #include "parser/qry_lib_sql_parser.h"
 #include "util/pool_block.h"
@@ -104,8 +105,9 @@ std::uint32_t qry_lib_sql_parser::get_keyword_num(const char *text, const char *
     if (text == nullptr) {
         return 0;
     }
+    const std::string_view whole(text);
     const std::size_t length = std::strlen(keyword);
-    for (const char *at = std::strstr(text, keyword); at != nullptr; at = std::strstr(at + length, keyword)) {
+    for (std::size_t at = whole.find(keyword); at != whole.npos; at = whole.find(keyword, at + length)) {
         ++count;
     }
     return 0;
@@ -114,19 +116,20 @@ std::uint32_t qry_lib_sql_parser::get_keyword_num(const char *text, const char *
 std::uint32_t qry_lib_sql_parser::divide_keyword(const char *text, const char *keyword, unsigned int &count,
                                                  std::vector<std::string> &pieces) const {
     count = 0;
+    const std::size_t length = std::strlen(text);
     pool_block scratch;
-    if (copy_to_scratch(scratch, text, std::strlen(text)) != 0) {
+    if (copy_to_scratch(scratch, text, length) != 0) {
         return trace_return(__func__, 1063, QRY_LIB_NO_MEMORY);
     }
-    const std::size_t length = std::strlen(keyword);
-    const char *cut = scratch.as<char>();
-    for (const char *at = std::strstr(cut, keyword); at != nullptr; at = std::strstr(cut, keyword)) {
-        pieces.emplace_back(cut, at);
+    const std::string_view whole(scratch.as<char>(), length);
+    std::size_t cut = 0;
+    for (std::size_t at = whole.find(keyword); at != whole.npos; at = whole.find(keyword, cut)) {
+        pieces.emplace_back(whole.substr(cut, at - cut));
         ++count;
-        cut = at + length;
+        cut = at + std::strlen(keyword);
     }
     if (count > 0) {
-        pieces.emplace_back(cut);
+        pieces.emplace_back(whole.substr(cut));
         ++count;
     }
     return 0;

@@ -22,18 +22,18 @@ constexpr int tb_strcmp(const char *a, const char *b) {
     return *b == '\0' ? 0 : -1;
 }
 
-// 0 when `a` is a prefix of `b`: the LIKE comparison lives on it. The count is kept in 16 bits.
+// 0 when `a` is a prefix of `b`: the LIKE comparison lives on it. Positions are counted in 16 bits, so an `n`
+// beyond them is no limit.
 constexpr int tb_strncmp(const char *a, const char *b, std::uint32_t n) {
     if (n == 0) {
         return 0;
     }
-    const auto limit = static_cast<std::uint16_t>(n);
     std::uint16_t compared = 0;
     for (; *a != '\0'; ++a, ++b) {
         if (const int order = compare_bytes(*a, *b); order != 0) {
             return order;
         }
-        if (++compared == limit) {
+        if (++compared == n) {
             return 0;
         }
     }

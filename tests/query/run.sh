@@ -21,21 +21,7 @@ status=0
 "${qrysh[@]}" --echo --trace --fixture "$fixture" <"$here/$name.sql" >answers 2>&1 || status=$?
 echo "exit status $status" >>answers
 
-# shellcheck disable=SC2016
-awk -F '\t' '
-    NR == FNR { fixed[$1 "():" $2]; next }
-    match($0, /^[A-Za-z_0-9]+\(\):\[(Enter|Return)\]:\([0-9]+\)/) {
-        point = substr($0, 1, RLENGTH)
-        function_name = substr(point, 1, index(point, ":[") - 1)
-        line = point
-        sub(/.*\(/, "", line)
-        sub(/\)/, "", line)
-        if (!((function_name ":" line) in fixed)) {
-            sub(/\([0-9]+\)$/, "(*)", point)
-            $0 = point substr($0, RLENGTH + 1)
-        }
-    }
-    { print }' "$root/docs/trace-points.tsv" answers >shown
+awk -f "$here/../stable_traces.awk" "$root/docs/trace-points.tsv" answers >shown
 
 if ! diff -u --label "$name.out" --label "printed" "$here/$name.out" shown; then
     echo "$name: the answers differ from tests/query/$name.out" >&2

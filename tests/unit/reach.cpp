@@ -28,7 +28,7 @@ struct point {
 };
 
 std::ostream &operator<<(std::ostream &out, const point &p) {
-    return out << p.function << ":[" << p.kind << "]:(" << p.line << ")";
+    return out << p.function << "():[" << p.kind << "]:(" << p.line << ")";
 }
 
 // Nothing can fail at these places: they stay as a last line of defence behind code that has just made sure.
@@ -127,7 +127,23 @@ void record_reached(const char *line) {
     }
 }
 
-bool check_reach(const std::string &table_path, const std::string &source_path) {
+bool write_reached(const std::string &path) {
+    std::ofstream file(path);
+    for (const point &p : reached) {
+        file << p << "\n";
+    }
+    return static_cast<bool>(file.flush());
+}
+
+bool check_reach(const std::string &table_path, const std::string &source_path,
+                 const std::vector<std::string> &reached_elsewhere) {
+    for (const std::string &path : reached_elsewhere) {
+        std::ifstream file(path);
+        std::string line;
+        while (std::getline(file, line)) {
+            record_reached(line.c_str());
+        }
+    }
     const std::set<point> table = read_table(table_path);
     const sources code = read_sources(source_path);
     int missing = 0;
