@@ -78,7 +78,7 @@ expect 0 '[0-9]*.[0-9]*.[0-9]*' '' --version
 # Device images: created, shared by later runs and by shells at once, examined, refused.
 insert="INSERT INTO PSN_TBL (PSN_ID, PSN_NAME) VALUES (4, 'Ito')"
 name='SELECT PSN_NAME FROM PSN_TBL'
-expect 0 ok '' device.img "$insert"
+expect 0 '' ok device.img "$insert"
 expect 0 $'PSN_NAME\r\nIto\r' '' --mode csv ./device.img "$name"
 expect 0 $'PSN_NAME\r\nIto\r' '' --mode csv --image device.img "$name"
 expect 0 $'PSN_NAME\r' '' --mode csv "$name"
@@ -97,7 +97,7 @@ coproc waiting { "${qrysh[@]}" --mode csv device.img 2>&1; }
 echo "$name" >&"${waiting[1]}"
 read -r -u "${waiting[0]}" _
 read -r -u "${waiting[0]}" before
-expect 0 ok '' device.img "UPDATE PSN_TBL SET PSN_NAME = 'Mori' WHERE PSN_ID = 4"
+expect 0 '' ok device.img "UPDATE PSN_TBL SET PSN_NAME = 'Mori' WHERE PSN_ID = 4"
 echo "$name" >&"${waiting[1]}"
 read -r -u "${waiting[0]}" _
 read -r -u "${waiting[0]}" after
