@@ -11,8 +11,14 @@ target_compile_options(
             -Wcast-align
             $<$<BOOL:${QRYLIB_WARNINGS_AS_ERRORS}>:-Werror>)
 
-if(QRYLIB_SANITIZE)
+if(QRYLIB_SANITIZE AND NOT QRYLIB_SANITIZE_TRAP)
   target_compile_options(qrylib_build_flags INTERFACE -fsanitize=${QRYLIB_SANITIZE} -fno-sanitize-recover=all
                                                       -fno-omit-frame-pointer)
   target_link_options(qrylib_build_flags INTERFACE -fsanitize=${QRYLIB_SANITIZE})
+elseif(QRYLIB_PLATFORM STREQUAL "host" OR QRYLIB_PLATFORM_LIBRARIES)
+  # A symbol that no library provides shows when linking, not on the device.
+  target_link_options(qrylib_build_flags INTERFACE LINKER:-z,defs)
+endif()
+if(QRYLIB_SANITIZE AND QRYLIB_SANITIZE_TRAP)
+  target_compile_options(qrylib_build_flags INTERFACE -fsanitize=${QRYLIB_SANITIZE} -fsanitize-undefined-trap-on-error)
 endif()

@@ -1,6 +1,7 @@
 // The element-table calls over the store: record values, settings, and list tables.
 #include "platform/element_table.h"
 
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 
@@ -104,10 +105,19 @@ void copy_value(void *to, const std::uint8_t *from, std::size_t size) {
     }
 }
 
+// Fields are read one by one: the position is written alone, and a wider read right behind it would wait.
+template <typename Field>
+Field field(const tbctListTable &list, std::size_t offset) {
+    Field value;
+    std::memcpy(&value, reinterpret_cast<const std::uint8_t *>(&list) + offset, sizeof value);
+    return value;
+}
+
 list_state unpack(const tbctListTable &list) {
-    list_state state;
-    std::memcpy(&state, &list, sizeof state);
-    return state;
+    return {field<std::uint8_t *>(list, offsetof(list_state, values)),
+            field<std::uint16_t>(list, offsetof(list_state, size)),
+            field<std::uint16_t>(list, offsetof(list_state, count)),
+            field<std::uint16_t>(list, offsetof(list_state, position))};
 }
 
 void pack(const list_state &state, tbctListTable &list) {
@@ -200,12 +210,11 @@ std::uint32_t tbctSTCListTableSetPos(tbctListTable *list, std::uint16_t position
     if (list == nullptr) {
         return refused;
     }
-    list_state state = unpack(*list);
-    if (state.values == nullptr || position >= state.count) {
+    if (position >= unpack(*list).count) { // 0 for a list that is not open
         return refused;
     }
-    state.position = position;
-    pack(state, *list);
+    std::memcpy(reinterpret_cast<std::uint8_t *>(list) + offsetof(list_state, position), &position,
+                sizeof position);
     return 0;
 }
 
@@ -217,7 +226,7 @@ std::uint32_t tbctSTCListTableGetVal(tbctListTable *list, void *buffer) {
         return refused;
     }
     const list_state state = unpack(*list);
-    if (state.values == nullptr || state.position >= state.count) {
+    if (state.position >= state.count) { // 0 for a list that is not open
         return refused;
     }
     copy_value(buffer, state.values + std::size_t{state.size} * state.position, state.size);
