@@ -1,6 +1,4 @@
 // Fixture files: what loads must come back the same from what it is saved as.
-#include <cstdio>
-#include <filesystem>
 #include <fstream>
 
 #include "fuzz/fuzz_support.h"
@@ -8,28 +6,6 @@
 #include "platform/host/qryhost.h"
 
 namespace {
-
-// Goes with the process.
-struct folder {
-    folder() {
-        std::string name = (std::filesystem::temp_directory_path() / "qrylib-fuzz-XXXXXX").string();
-        fuzz::check(mkdtemp(name.data()) != nullptr, "no folder for the fixtures");
-        path = name;
-    }
-    folder(const folder &) = delete;
-    folder &operator=(const folder &) = delete;
-    ~folder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path, ignored);
-    }
-    std::string file(const char *name) const { return (path / name).string(); }
-    std::filesystem::path path;
-};
-
-std::string content(const std::string &path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 void check_round_trip(const std::string &first, const std::string &second) {
     const std::vector<std::uint8_t> loaded = qryhost::current_store()->snapshot();
@@ -39,13 +15,13 @@ void check_round_trip(const std::string &first, const std::string &second) {
                 std::string("what was saved is refused: ") + qryhost_error());
     fuzz::check(qryhost::current_store()->snapshot() == loaded, "what was saved loads differently");
     fuzz::check(qryhost_save(second.c_str()) == 0, "the store is not saved again");
-    fuzz::check(content(first) == content(second), "the same store is saved differently");
+    fuzz::check(fuzz::content_of(first) == fuzz::content_of(second), "the same store is saved differently");
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-    static const folder files;
+    static const fuzz::temporary_folder files;
     static const std::string given = files.file("given.json");
     const fuzz::balanced_memory balanced;
     std::ofstream(given, std::ios::binary)

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 
 #include "exec/qry_lib_table_element.h"
 #include "platform/element_table.h"
@@ -137,6 +139,20 @@ void read_and_release(std::uint32_t code, qry_lib_db_rowset_ &rowset) {
     }
     qry_lib_db_rowset_term(&rowset);
     check(rowset.records == nullptr, "a released rowset has rows");
+}
+
+temporary_folder::temporary_folder() : path_(std::filesystem::temp_directory_path() / "qrylib-fuzz-XXXXXX") {
+    check(mkdtemp(path_.data()) != nullptr, "no folder for files");
+}
+
+temporary_folder::~temporary_folder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+std::string content_of(const std::string &path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 balanced_memory::balanced_memory() : blocks_(qryhost_pool_blocks()) {}

@@ -37,6 +37,20 @@ std::string pick_text(input &in);
 // have left the rowset empty.
 void read_and_release(std::uint32_t code, qry_lib_db_rowset_ &rowset);
 
+// Goes with the process.
+class temporary_folder {
+  public:
+    temporary_folder();
+    temporary_folder(const temporary_folder &) = delete;
+    temporary_folder &operator=(const temporary_folder &) = delete;
+    ~temporary_folder();
+    std::string file(const char *name) const { return path_ + "/" + name; }
+
+  private:
+    std::string path_;
+};
+std::string content_of(const std::string &path);
+
 // Lives for one input.
 class balanced_memory {
   public:

@@ -11,7 +11,7 @@ scripts/install_packages.sh
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz
 folder=build/fuzz/fuzz
-[ $# -gt 0 ] || set -- sql_text statement_records phrases fixture element_bytes
+[ $# -gt 0 ] || set -- sql_text statement_records phrases fixture image element_bytes
 
 logs=$folder/logs
 mkdir -p "$logs"
