@@ -65,8 +65,8 @@ std::string damaged(input &in, std::string bytes) {
         case 2:
         case 3:
         case 4:
-            overwrite(bytes, in.ConsumeIntegralInRange<std::size_t>(sizeof(image_header), bytes.size()),
-                      patch.data(), patch.size());
+            overwrite(bytes, in.ConsumeIntegralInRange<std::size_t>(0, bytes.size()), patch.data(),
+                      patch.size());
             break;
         default:
             leave_write(in, bytes);

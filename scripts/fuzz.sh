@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Fuzzes for a long time: fuzz.sh MINUTES [TARGET...]. Two targets run at a time, all of them unless some are
-# named. Then minimises what was found into fuzz/corpus.
+# named. Then takes the best of what was found into fuzz/corpus.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -19,14 +19,12 @@ printf '%s\n' "$@" | xargs -P 2 -I{} sh -c \
     'fuzz/run.sh "$1/fuzz_$2" "$2" "$3" >"$4/$2.log" 2>&1 || echo "$2 failed: see $4/$2.log" >&2' \
     sh "$folder" {} "$seconds" "$logs"
 
+# The tree keeps what was written by hand, which has names, and of what was found the few inputs that together
+# reach every line; the rest stays beside the program.
 for name in "$@"; do
     grep -h 'number_of_executed_units' "$logs/$name.log" | sed "s/^stat::/$name: /" || true
-    minimised=$(mktemp -d)
-    "$folder/fuzz_$name" -merge=1 -max_len=4096 "$minimised" "fuzz/corpus/$name" "$folder/found/$name" >/dev/null 2>&1
-    # The tree keeps the smallest ones; the rest stays beside the program.
-    rm -f "fuzz/corpus/$name"/*
-    find "$minimised" -type f -printf '%s %f\n' | sort -n | head -n 36 | while read -r _ file; do
-        cp "$minimised/$file" "fuzz/corpus/$name/"
-    done
-    rm -rf "$minimised"
+    find "fuzz/corpus/$name" -type f -regextype posix-extended -regex '.*/[0-9a-f]{40}' -delete
+    "$folder/fuzz_$name" -set_cover_merge=1 -use_counters=0 -max_len=4096 "fuzz/corpus/$name" "$folder/found/$name" \
+        >"$logs/$name.merge.log" 2>&1
+    echo "$name: $(find "fuzz/corpus/$name" -type f | wc -l) inputs kept"
 done
