@@ -44,7 +44,8 @@ bool is_digits(const std::string &value) {
     return !value.empty() && value.find_first_not_of("0123456789") == std::string::npos;
 }
 
-// In a linked query only digits may stand without quotes.
+// A word needs no quotes, and in a linked query only digits do not. Those of odd length go without, so that
+// both forms are tried.
 std::string value_text(const statement &made, const condition &tested, const std::string &value) {
     const std::string shown = is_prefix(tested.operation) ? value + "%" : value;
     const bool is_plain =
