@@ -54,12 +54,16 @@ void check_image(const std::string &path, const open_file &file) {
     check_header(path, header, static_cast<std::uint64_t>(status.st_size));
 }
 
-// Runs alone. A write in progress that none can have been is damage: no process leaves that behind.
+// Runs alone. A write in progress that none can have been is damage: no process leaves that behind. All are
+// looked at before the first is settled, so that an image that is refused stays as it was.
 void prepare(const std::string &path, store_memory &memory) {
-    for (std::size_t i = 0; i < store_layout::get().categories().size(); ++i) {
+    const std::size_t category_num = store_layout::get().categories().size();
+    for (std::size_t i = 0; i < category_num; ++i) {
         if (is_writing(memory, i) && !names_a_write(memory, i)) {
             throw refusal(path + ": is a damaged device image: a write in progress names no value");
         }
+    }
+    for (std::size_t i = 0; i < category_num; ++i) {
         settle_write(memory, i);
     }
     memory.create_locks(true);
