@@ -127,16 +127,24 @@ std::uint16_t capacity(const char *table) {
     return records;
 }
 
-void fill_table(sqlite3 *database, const char *table) {
+constexpr const char *tables[] = {table_name, "EDIT_CNT_TBL"};
+
+void fill_elements(const char *table) {
     const std::vector<column> columns = columns_of(table);
-    create_table(database, table, columns);
     norvane::qry_lib_table_element *catalog = nullptr;
     norvane::qry_lib_table_element_factory::create_elemet(database_name, &catalog);
     for (int id = 1; id <= capacity(table); ++id) {
         insert_record(*catalog, table, columns, id);
-        insert_record(database, table, columns, id);
     }
     norvane::qry_lib_table_element_factory::delete_elemet(&catalog);
+}
+
+void fill_table(sqlite3 *database, const char *table) {
+    const std::vector<column> columns = columns_of(table);
+    create_table(database, table, columns);
+    for (int id = 1; id <= capacity(table); ++id) {
+        insert_record(database, table, columns, id);
+    }
 }
 
 qry_lib_db_stmt_ *bound_statement() {
@@ -161,11 +169,19 @@ sqlite3 *open_database() {
     return database;
 }
 
-void fill(sqlite3 *database) {
+void fill_element_tables() {
     qryhost_reset();
+    for (const char *table : tables) {
+        fill_elements(table);
+    }
+}
+
+void fill(sqlite3 *database) {
+    fill_element_tables();
     execute(database, "BEGIN");
-    fill_table(database, table_name);
-    fill_table(database, "EDIT_CNT_TBL");
+    for (const char *table : tables) {
+        fill_table(database, table);
+    }
     execute(database, "COMMIT");
 }
 

@@ -13,7 +13,10 @@ namespace bench {
 // How many departments both engines hold: what the element tables were built for.
 std::uint16_t department_num();
 
-// Fills DEPT_TBL (all columns) and EDIT_CNT_TBL of both engines. Exits with a sentence on any failure.
+// Fills DEPT_TBL (all columns) and EDIT_CNT_TBL of this library alone.
+void fill_element_tables();
+
+// The same of both engines. Exits with a sentence on any failure.
 void fill(sqlite3 *database);
 
 sqlite3 *open_database();
