@@ -16,6 +16,10 @@ element_store::element_store(store_memory memory)
     : layout_(store_layout::get()), memory_(std::move(memory)) {}
 
 void element_store::copy(std::size_t category, std::uint32_t offset, std::size_t size, void *bytes) {
+    // Reads are many and writes few: a reader takes the lock only where it met a writer.
+    if (copy_while_quiet(memory_, category, offset, size, bytes)) {
+        return;
+    }
     if (memory_.is_read_only()) {
         copy_without_lock(memory_, category, offset, size, bytes);
         return;

@@ -1,5 +1,6 @@
 // The element store: the values of every record, default record and setting in one flat region, with one lock
-// per category. A value is read and written whole under its category's lock.
+// per category. A value is written whole under its category's lock; it is read without one where no writer is
+// met.
 //
 // The order of locks, outermost first: the process's opening lock, the image's opening byte, the categories'
 // locks in the order of their positions. Only what concerns the store as a whole holds more than one of the

@@ -9,12 +9,47 @@
 #include <cstring>
 #include <utility>
 
+#if defined(__SANITIZE_THREAD__)
+#define QRYHOST_UNDER_THREAD_SANITIZER 1
+#elif defined(__has_feature)
+#define QRYHOST_UNDER_THREAD_SANITIZER __has_feature(thread_sanitizer)
+#else
+#define QRYHOST_UNDER_THREAD_SANITIZER 0
+#endif
+
 namespace qryhost {
 
 namespace {
 
 bool is_odd(std::uint32_t sequence) {
     return sequence % 2 != 0;
+}
+
+// Copies to or from a part of the region that another thread may be writing. A reader throws away what it
+// read while the sequence moved, so a torn copy does no harm; the thread sanitizer, which cannot know that,
+// is given single bytes that may be read and written at once.
+void copy_shared(void *to, const void *from, std::size_t size) {
+#if QRYHOST_UNDER_THREAD_SANITIZER
+    for (std::size_t i = 0; i < size; ++i) {
+        __atomic_store_n(static_cast<std::uint8_t *>(to) + i,
+                         __atomic_load_n(static_cast<const std::uint8_t *>(from) + i, __ATOMIC_RELAXED),
+                         __ATOMIC_RELAXED);
+    }
+#else
+    switch (size) {
+    case 1:
+        std::memcpy(to, from, 1);
+        break;
+    case 2:
+        std::memcpy(to, from, 2);
+        break;
+    case 4:
+        std::memcpy(to, from, 4);
+        break;
+    default:
+        std::memcpy(to, from, size);
+    }
+#endif
 }
 
 const category_place &place_of(std::size_t category) {
@@ -37,7 +72,7 @@ void copy_default(store_memory &memory, std::size_t category, std::uint32_t firs
     std::uint8_t *region = memory.region();
     for_each_value(category, first, last,
                    [region](std::uint32_t value, std::uint32_t from, std::uint16_t size) {
-                       std::memcpy(region + value, region + from, size);
+                       copy_shared(region + value, region + from, size);
                    });
 }
 
@@ -116,7 +151,7 @@ void value_lock::replace(std::uint32_t offset, std::uint32_t size, const void *v
     guard.offset = offset;
     guard.size = size;
     begin(write_value);
-    std::memcpy(place, value, size);
+    copy_shared(place, value, size);
     end();
 }
 
@@ -154,13 +189,25 @@ void settle_write(store_memory &memory, std::size_t category) {
     }
     if (names_a_write(memory, category)) {
         if (guard.kind.load(std::memory_order_relaxed) == write_value) {
-            std::memcpy(memory.region() + guard.offset, memory.old_value(category), guard.size);
+            copy_shared(memory.region() + guard.offset, memory.old_value(category), guard.size);
         } else {
             copy_default(memory, category, guard.first, guard.last);
         }
     }
     guard.sequence.store(sequence + 1, std::memory_order_release);
     guard.kind.store(write_none, std::memory_order_release);
+}
+
+bool copy_while_quiet(store_memory &memory, std::size_t category, std::uint32_t offset, std::size_t size,
+                      void *copy) {
+    const std::atomic<std::uint32_t> &sequence = memory.guard(category).sequence;
+    const std::uint32_t before = sequence.load(std::memory_order_acquire);
+    if (is_odd(before)) {
+        return false;
+    }
+    copy_shared(copy, memory.region() + offset, size);
+    std::atomic_thread_fence(std::memory_order_acquire);
+    return sequence.load(std::memory_order_relaxed) == before;
 }
 
 // While the sequence stays odd, the guard and what it refers to stay as they are.

@@ -41,8 +41,12 @@ bool names_a_write(store_memory &memory, std::size_t category);
 // the category for itself.
 void settle_write(store_memory &memory, std::size_t category);
 
-// Copies bytes of the category's part of the region, as they are at one moment, without its lock: for a
-// mapping that cannot be written, and so not be locked either.
+// Copies bytes of the category's part of the region without its lock, where nobody writes meanwhile. False: a
+// write was in progress or came between, and the copy is worth nothing.
+bool copy_while_quiet(store_memory &memory, std::size_t category, std::uint32_t offset, std::size_t size,
+                      void *copy);
+
+// The same whatever the writers do, for a mapping that cannot be written, and so not be locked either.
 void copy_without_lock(store_memory &memory, std::size_t category, std::uint32_t offset, std::size_t size,
                        void *copy);
 
