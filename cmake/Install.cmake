@@ -1,24 +1,41 @@
-# What `cmake --install` installs: the library, the workstation platform where it is built, headers, and what
-# find_package and pkg-config need.
+# What `cmake --install` installs, by component: the library and the platform that it was linked to; headers,
+# documents and what find_package and pkg-config need; the shell.
 include(CMakePackageConfigHelpers)
 
 set(QRYLIB_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/qrylib)
 set(QRYLIB_PLATFORM_INCLUDEDIR ${CMAKE_INSTALL_INCLUDEDIR}/qrylib-platform)
+set(QRYLIB_DOCDIR ${CMAKE_INSTALL_DATAROOTDIR}/doc/libqrylib-dev)
 
-install(TARGETS qrylib EXPORT qrylib-targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/qrylib DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING
-        PATTERN "*.h")
+set(QRYLIB_INSTALLED_TARGETS qrylib)
 if(QRYLIB_PLATFORM STREQUAL "host")
-  install(TARGETS qryplatform EXPORT qrylib-targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-  install(FILES platform/host/qryhost.h DESTINATION ${QRYLIB_PLATFORM_INCLUDEDIR}/platform/host)
+  list(APPEND QRYLIB_INSTALLED_TARGETS qryplatform)
+  install(FILES platform/host/qryhost.h DESTINATION ${QRYLIB_PLATFORM_INCLUDEDIR}/platform/host
+          COMPONENT development)
 endif()
-file(GLOB QRYLIB_CONTRACT_HEADERS CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/platform/*.h)
-install(FILES ${QRYLIB_CONTRACT_HEADERS} DESTINATION ${QRYLIB_PLATFORM_INCLUDEDIR}/platform)
+install(TARGETS ${QRYLIB_INSTALLED_TARGETS} EXPORT qrylibTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
 
-install(EXPORT qrylib-targets NAMESPACE qrylib:: DESTINATION ${QRYLIB_PACKAGE_DIR})
-write_basic_package_version_file(${PROJECT_BINARY_DIR}/qrylib-config-version.cmake COMPATIBILITY SameMajorVersion)
-install(FILES cmake/qrylib-config.cmake ${PROJECT_BINARY_DIR}/qrylib-config-version.cmake
-        DESTINATION ${QRYLIB_PACKAGE_DIR})
+install(DIRECTORY include/qrylib DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development
+        FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
+install(DIRECTORY platform/ DESTINATION ${QRYLIB_PLATFORM_INCLUDEDIR}/platform COMPONENT development
+        FILES_MATCHING PATTERN "*.h" PATTERN "host" EXCLUDE)
+install(DIRECTORY docs/ DESTINATION ${QRYLIB_DOCDIR} COMPONENT development
+        FILES_MATCHING PATTERN "*.md" PATTERN "*.tsv")
+install(FILES README.md DESTINATION ${QRYLIB_DOCDIR} COMPONENT development)
+install(FILES examples/people.c examples/people.cpp DESTINATION ${QRYLIB_DOCDIR}/examples COMPONENT development)
 
+install(EXPORT qrylibTargets NAMESPACE qrylib:: DESTINATION ${QRYLIB_PACKAGE_DIR} COMPONENT development)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/qrylibConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES cmake/qrylibConfig.cmake ${PROJECT_BINARY_DIR}/qrylibConfigVersion.cmake
+        DESTINATION ${QRYLIB_PACKAGE_DIR} COMPONENT development)
+
+# The prefix is found from where the file lies, so that an installation may be moved.
+file(RELATIVE_PATH QRYLIB_PC_TO_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(cmake/qrylib.pc.in ${PROJECT_BINARY_DIR}/qrylib.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/qrylib.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${PROJECT_BINARY_DIR}/qrylib.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+if(TARGET qrysh)
+  install(TARGETS qrysh DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT shell)
+  file(GLOB QRYLIB_MAN_PAGES CONFIGURE_DEPENDS docs/*.1)
+  install(FILES ${QRYLIB_MAN_PAGES} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT shell)
+endif()

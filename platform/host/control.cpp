@@ -15,14 +15,14 @@ namespace {
 // A fixed array: telling that memory ran out takes none.
 thread_local char error_sentence[1024] = "";
 
+} // namespace
+
 const char *required_path(const char *path) {
     if (path == nullptr || *path == '\0') {
         throw refusal("no file is named");
     }
     return path;
 }
-
-} // namespace
 
 void set_error(const char *sentence) noexcept {
     std::snprintf(error_sentence, sizeof error_sentence, "%s", sentence);
@@ -36,12 +36,22 @@ element_store &required_store() {
     return *store;
 }
 
+element_store &required_writable_store() {
+    element_store &store = required_store();
+    if (store.is_read_only()) {
+        throw refusal("the device image can only be read");
+    }
+    return store;
+}
+
 } // namespace qryhost
 
 extern "C" {
 
 int qryhost_open(const char *image_path) {
-    return qryhost::control([image_path] { qryhost::open_store(image_path); });
+    return qryhost::control([image_path] {
+        qryhost::open_store(image_path != nullptr ? qryhost::required_path(image_path) : nullptr);
+    });
 }
 
 int qryhost_close(void) {
@@ -50,14 +60,14 @@ int qryhost_close(void) {
 
 int qryhost_reset(void) {
     return qryhost::control([] {
-        qryhost::element_store &store = qryhost::required_store();
+        qryhost::element_store &store = qryhost::required_writable_store();
         store.replace(std::vector<std::uint8_t>(store.layout().bytes()));
     });
 }
 
 int qryhost_load(const char *json_path) {
     return qryhost::control([json_path] {
-        qryhost::element_store &store = qryhost::required_store();
+        qryhost::element_store &store = qryhost::required_writable_store();
         store.replace(qryhost::load_fixture(qryhost::required_path(json_path)));
     });
 }

@@ -12,6 +12,9 @@ struct refusal : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// The path itself; throws `refusal` when none is given.
+const char *required_path(const char *path);
+
 // What qryhost_error() answers on this thread from now on.
 void set_error(const char *sentence) noexcept;
 

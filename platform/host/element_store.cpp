@@ -1,68 +1,77 @@
-// The region, its locks, and the one store that the process has open.
+// Access to the values, and the one store that the process has open.
 #include "platform/host/element_store.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
+#include <utility>
 
 #include "platform/host/control.h"
+#include "platform/host/image_file.h"
 
 namespace qryhost {
 
-element_store::element_store()
-    : layout_(store_layout::get()), region_(std::make_unique<std::uint8_t[]>(layout_.bytes())),
-      locks_(std::make_unique<std::mutex[]>(layout_.categories().size())) {}
+element_store::element_store(store_memory memory)
+    : layout_(store_layout::get()), memory_(std::move(memory)) {}
 
-std::uint8_t *element_store::value(const element_place &place, std::uint32_t record) {
-    return region_.get() + place.value_offset(record);
+void element_store::copy(std::size_t category, std::uint32_t offset, std::size_t size, void *bytes) {
+    if (memory_.is_read_only()) {
+        copy_without_lock(memory_, category, offset, size, bytes);
+        return;
+    }
+    const value_lock hold(memory_, category);
+    std::memcpy(bytes, memory_.region() + offset, size);
 }
 
 void element_store::read(const element_place &place, std::uint32_t record, void *buffer) {
-    const std::lock_guard<std::mutex> hold(locks_[place.lock]);
-    std::memcpy(buffer, value(place, record), place.size);
+    copy(place.lock, place.value_offset(record), place.size, buffer);
 }
 
 void element_store::write(const element_place &place, std::uint32_t record, const void *buffer) {
-    const std::lock_guard<std::mutex> hold(locks_[place.lock]);
-    std::memcpy(value(place, record), buffer, place.size);
+    value_lock hold(memory_, place.lock);
+    hold.replace(place.value_offset(record), place.size, buffer);
 }
 
 void element_store::copy_column(const element_place &place, std::uint32_t record_num, void *values) {
-    const std::lock_guard<std::mutex> hold(locks_[place.lock]);
-    std::memcpy(values, value(place, 1), std::size_t{place.size} * record_num);
+    copy(place.lock, place.value_offset(1), std::size_t{place.size} * record_num, values);
 }
 
 void element_store::restore_default(const category_place &table, std::uint32_t first, std::uint32_t last) {
-    const element_place *elements = &layout_.elements()[table.first_element];
-    const std::lock_guard<std::mutex> hold(locks_[elements->lock]);
-    for (std::uint32_t e = 0; e < table.element_num; ++e) {
-        for (std::uint32_t record = first; record <= last; ++record) {
-            std::memcpy(value(elements[e], record), value(elements[e], 0), elements[e].size);
-        }
-    }
+    value_lock(memory_, layout_.elements()[table.first_element].lock).restore_default(first, last);
 }
 
-// Always in the same order, while every other holder holds one lock only: nobody waits in a circle.
-std::vector<std::unique_lock<std::mutex>> element_store::hold_all() {
-    std::vector<std::unique_lock<std::mutex>> held;
+std::vector<value_lock> element_store::hold_all() {
+    std::vector<value_lock> held;
     held.reserve(layout_.categories().size());
     for (std::size_t i = 0; i < layout_.categories().size(); ++i) {
-        held.emplace_back(locks_[i]);
+        held.emplace_back(memory_, i);
     }
     return held;
 }
 
 std::vector<std::uint8_t> element_store::snapshot() {
-    std::vector<std::uint8_t> copy(layout_.bytes());
+    std::vector<std::uint8_t> region(layout_.bytes());
+    if (memory_.is_read_only()) {
+        for (std::size_t i = 0; i < layout_.categories().size(); ++i) {
+            const category_place &part = layout_.categories()[i];
+            copy_without_lock(memory_, i, part.offset, part.bytes, region.data() + part.offset);
+        }
+        return region;
+    }
     const auto held = hold_all();
-    std::memcpy(copy.data(), region_.get(), copy.size());
-    return copy;
+    std::memcpy(region.data(), memory_.region(), region.size());
+    return region;
 }
 
 void element_store::replace(const std::vector<std::uint8_t> &region) {
-    const auto held = hold_all();
-    std::memcpy(region_.get(), region.data(), layout_.bytes());
+    auto held = hold_all();
+    for (const element_place &place : layout_.elements()) {
+        for (std::uint32_t record = 0; record <= place.record_num; ++record) {
+            const std::uint32_t offset = place.value_offset(record);
+            held[place.lock].replace(offset, place.size, region.data() + offset);
+        }
+    }
 }
 
 namespace {
@@ -73,16 +82,15 @@ std::unique_ptr<element_store> owned_store;
 std::atomic<element_store *> open_now{nullptr};
 
 std::unique_ptr<element_store> make_store(const char *image_path) {
-    if (image_path != nullptr) {
-        throw refusal("device images are not available yet");
-    }
-    return std::make_unique<element_store>();
+    return std::make_unique<element_store>(image_path == nullptr ? store_memory::private_memory()
+                                                                 : open_image(image_path));
 }
 
 element_store *open_default_store() {
     const std::lock_guard<std::mutex> hold(opening_lock);
     if (owned_store == nullptr) {
-        owned_store = make_store(std::getenv("QRYLIB_IMAGE"));
+        const char *image = std::getenv("QRYLIB_IMAGE");
+        owned_store = make_store(image != nullptr && *image != '\0' ? image : nullptr);
         open_now.store(owned_store.get(), std::memory_order_release);
     }
     return owned_store.get();

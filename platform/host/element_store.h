@@ -1,22 +1,30 @@
 // The element store: the values of every record, default record and setting in one flat region, with one lock
-// per category. A value is read and written whole under its category's lock; no lock outlives a call.
+// per category. A value is read and written whole under its category's lock.
+//
+// The order of locks, outermost first: the process's opening lock, the image's opening byte, the categories'
+// locks in the order of their positions. Only what concerns the store as a whole holds more than one of the
+// last; none outlives a call, and no call waits for anything else while it holds one. So nobody can wait in a
+// circle.
 #pragma once
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 #include "platform/host/store_layout.h"
+#include "platform/host/store_memory.h"
+#include "platform/host/value_lock.h"
 
 namespace qryhost {
 
 class element_store {
   public:
-    // A store of zeros in private memory.
-    element_store();
+    explicit element_store(store_memory memory);
 
     const store_layout &layout() const { return layout_; }
+
+    // Then nothing that changes a value may be called.
+    bool is_read_only() const { return memory_.is_read_only(); }
 
     // The record must exist; `buffer` is as large as the element, at any address.
     void read(const element_place &place, std::uint32_t record, void *buffer);
@@ -28,17 +36,18 @@ class element_store {
     // Puts records `first` to `last` back to the default record.
     void restore_default(const category_place &table, std::uint32_t first, std::uint32_t last);
 
-    // The whole region as it is at one moment; and its replacement by another of the same size.
+    // The whole region as it is at one moment, or, where it cannot be locked, each category as it is at one.
     std::vector<std::uint8_t> snapshot();
+
+    // Replaces every value by that of another region, at one moment for whoever is not killed meanwhile.
     void replace(const std::vector<std::uint8_t> &region);
 
   private:
-    std::vector<std::unique_lock<std::mutex>> hold_all();
-    std::uint8_t *value(const element_place &place, std::uint32_t record);
+    std::vector<value_lock> hold_all();
+    void copy(std::size_t category, std::uint32_t offset, std::size_t size, void *bytes);
 
     const store_layout &layout_;
-    std::unique_ptr<std::uint8_t[]> region_;
-    std::unique_ptr<std::mutex[]> locks_;
+    store_memory memory_;
 };
 
 // The store that the process uses, opened on first use; null, with a sentence for qryhost_error(), when it
@@ -47,8 +56,9 @@ element_store *current_store() noexcept;
 
 // The same for a control call: throws `refusal` when there is no store.
 element_store &required_store();
+element_store &required_writable_store();
 
-// Opens a store in place of the current one: throws `refusal` when it cannot.
+// Opens a store in place of the current one; null is private memory. Throws `refusal` when it cannot.
 void open_store(const char *image_path);
 
 // Drops the current store. Must not run beside calls that use it.

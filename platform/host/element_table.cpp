@@ -1,6 +1,7 @@
 // The element-table calls over the store: record values, settings, and list tables.
 #include "platform/element_table.h"
 
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 
@@ -16,6 +17,7 @@ using qryhost::element_store;
 constexpr std::uint32_t refused = 0x5241;
 constexpr std::uint32_t no_store = 0x5242; // the store cannot be opened: qryhost_error() says why
 constexpr std::uint32_t no_memory = 0x5244;
+constexpr std::uint32_t read_only = 0x5245; // the store is a device image that cannot be written
 
 // What a call works on. `code` is not 0 when the arguments name nothing that exists.
 struct target {
@@ -54,27 +56,36 @@ std::uint32_t write_value(const target &to, std::uint32_t record, const void *bu
     if (buffer == nullptr) {
         return refused;
     }
+    if (to.store->is_read_only()) {
+        return read_only;
+    }
     to.store->write(*to.place, record, buffer);
     return 0;
 }
 
-// The table whose records a call puts back. `code` is not 0 when there is none, or the call is to fail.
-struct reset_target {
-    std::uint32_t code;
-    element_store *store;
-    const category_place *table;
-};
-
-reset_target find_table(std::uint32_t category) {
+// Puts a record of a category back to the default record; null: every record.
+std::uint32_t reset_records(std::uint32_t category, const std::uint32_t *record) {
     if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_INIT_TABLE)) {
-        return {fault, nullptr, nullptr};
+        return fault;
     }
     element_store *store = qryhost::current_store();
     if (store == nullptr) {
-        return {no_store, nullptr, nullptr};
+        return no_store;
     }
     const category_place *table = store->layout().find_category(category);
-    return {table == nullptr || table->is_setting ? refused : 0, store, table};
+    if (table == nullptr || table->is_setting) {
+        return refused;
+    }
+    const std::uint32_t first = record != nullptr ? *record : 1;
+    const std::uint32_t last = record != nullptr ? *record : table->record_num;
+    if (first == 0 || last > table->record_num) {
+        return refused;
+    }
+    if (store->is_read_only()) {
+        return read_only;
+    }
+    store->restore_default(*table, first, last);
+    return 0;
 }
 
 // What the 16 bytes of a list table hold: the copied values of records 1 to `count`, back to back, and the
@@ -104,10 +115,19 @@ void copy_value(void *to, const std::uint8_t *from, std::size_t size) {
     }
 }
 
+// Fields are read one by one: the position is written alone, and a wider read right behind it would wait.
+template <typename Field>
+Field field(const tbctListTable &list, std::size_t offset) {
+    Field value;
+    std::memcpy(&value, reinterpret_cast<const std::uint8_t *>(&list) + offset, sizeof value);
+    return value;
+}
+
 list_state unpack(const tbctListTable &list) {
-    list_state state;
-    std::memcpy(&state, &list, sizeof state);
-    return state;
+    return {field<std::uint8_t *>(list, offsetof(list_state, values)),
+            field<std::uint16_t>(list, offsetof(list_state, size)),
+            field<std::uint16_t>(list, offsetof(list_state, count)),
+            field<std::uint16_t>(list, offsetof(list_state, position))};
 }
 
 void pack(const list_state &state, tbctListTable &list) {
@@ -135,24 +155,11 @@ std::uint32_t tbctSTCSetTable(std::uint32_t, std::uint32_t category, std::uint32
 }
 
 std::uint32_t tbSTCInitTable(std::uint32_t category, std::uint32_t record) {
-    const reset_target found = find_table(category);
-    if (found.code != 0) {
-        return found.code;
-    }
-    if (record == 0 || record > found.table->record_num) {
-        return refused;
-    }
-    found.store->restore_default(*found.table, record, record);
-    return 0;
+    return reset_records(category, &record);
 }
 
 std::uint32_t tbctResetTable(std::uint32_t category) {
-    const reset_target found = find_table(category);
-    if (found.code != 0) {
-        return found.code;
-    }
-    found.store->restore_default(*found.table, 1, found.table->record_num);
-    return 0;
+    return reset_records(category, nullptr);
 }
 
 std::uint32_t tbctSTCGetStatus(std::uint32_t category, std::uint32_t element, void *buffer) {
@@ -200,12 +207,11 @@ std::uint32_t tbctSTCListTableSetPos(tbctListTable *list, std::uint16_t position
     if (list == nullptr) {
         return refused;
     }
-    list_state state = unpack(*list);
-    if (state.values == nullptr || position >= state.count) {
+    if (position >= unpack(*list).count) { // 0 for a list that is not open
         return refused;
     }
-    state.position = position;
-    pack(state, *list);
+    std::memcpy(reinterpret_cast<std::uint8_t *>(list) + offsetof(list_state, position), &position,
+                sizeof position);
     return 0;
 }
 
@@ -217,7 +223,7 @@ std::uint32_t tbctSTCListTableGetVal(tbctListTable *list, void *buffer) {
         return refused;
     }
     const list_state state = unpack(*list);
-    if (state.values == nullptr || state.position >= state.count) {
+    if (state.position >= state.count) { // 0 for a list that is not open
         return refused;
     }
     copy_value(buffer, state.values + std::size_t{state.size} * state.position, state.size);

@@ -16,10 +16,11 @@ struct thread_calls {
 
 // The calling thread's counters, null before its first call. Every platform call looks here, so it must not
 // cost a function call.
-extern __thread thread_calls *calls_of_this_thread __attribute__((tls_model("initial-exec")));
+extern __thread thread_calls *calls_of_this_thread
+    __attribute__((tls_model("initial-exec"), visibility("hidden")));
 
 // One bit for each call that may have to fail.
-extern std::atomic<std::uint32_t> armed_calls;
+extern std::atomic<std::uint32_t> armed_calls __attribute__((visibility("hidden")));
 static_assert(QRYHOST_CALL_NUM <= 32);
 
 thread_calls *register_thread();

@@ -12,9 +12,18 @@ extern "C" {
 #endif
 
 /*
- * Opens the element store: null for private memory (what every process has until it asks for more), or the
- * path of a device image that several processes share. Records that the store held before are dropped. Must
- * not run beside other platform calls.
+ * Opens the element store: null for private memory (what every process has until it asks for more, unless
+ * QRYLIB_IMAGE names an image), or the path of a device image, which all processes that open it share. Must
+ * not run beside other platform calls. Values of private memory are dropped; the store stays as it was when
+ * the new one is refused.
+ *
+ * An image that is not there is created, all zeros. It belongs to one build: one of another format version,
+ * schema, capacities, word size or byte order is refused, as is any other file. An image that cannot be
+ * written is opened for reading; writes then answer 0x5245, and resetting or loading fails.
+ *
+ * A process that is killed at any moment leaves every value old or new, and no lock behind. A value is one
+ * element of one record: a statement, a reset or a load that changes several may have changed some of them.
+ * A process must not close the descriptors of an image that it goes on using.
  */
 int qryhost_open(const char *image_path);
 
@@ -31,6 +40,16 @@ int qryhost_reset(void);
  */
 int qryhost_load(const char *json_path);
 int qryhost_save(const char *json_path);
+
+/* Called for every finding with one line of text; `is_damage` is 0 for what is only worth knowing. */
+typedef void (*qryhost_check_sink)(void *context, int is_damage, const char *text);
+
+/*
+ * Examines a device image without opening it as the store and without changing it: header, writes in
+ * progress, the end of every string, primary keys that two records have, and free records. Fails when there
+ * is damage, or the file is no image at all. `sink` may be null.
+ */
+int qryhost_check(const char *image_path, qryhost_check_sink sink, void *context);
 
 /* Why the calling thread's last control call failed, in one sentence; "" when it did not. Never null. */
 const char *qryhost_error(void);

@@ -90,12 +90,13 @@ void store_layout::place_elements() {
     for (std::uint32_t i = 0; i < elements_.size(); ++i) {
         element_place &place = elements_[i];
         if (categories_.empty() || categories_.back().category != place.category) {
-            categories_.push_back({place.category, place.record_num, place.is_setting, i, 0});
+            categories_.push_back({place.category, place.record_num, place.is_setting, i, 0, bytes_, 0});
         }
         ++categories_.back().element_num;
         place.lock = static_cast<std::uint16_t>(categories_.size() - 1);
         place.offset = bytes_;
         bytes_ += place.size * (place.record_num + 1u);
+        categories_.back().bytes = bytes_ - categories_.back().offset;
     }
 }
 
@@ -126,6 +127,19 @@ const category_place *store_layout::find_category(std::uint32_t category) const 
         std::lower_bound(categories_.begin(), categories_.end(), category,
                          [](const category_place &place, std::uint32_t id) { return place.category < id; });
     return found != categories_.end() && found->category == category ? &*found : nullptr;
+}
+
+bool store_layout::has_value(std::size_t category, std::uint32_t offset, std::uint32_t size) const {
+    const element_place *first = &elements_[categories_[category].first_element];
+    return std::any_of(first, first + categories_[category].element_num, [&](const element_place &place) {
+        return size == place.size && offset >= place.offset &&
+               offset <= place.value_offset(place.record_num) && (offset - place.offset) % size == 0;
+    });
+}
+
+std::uint16_t store_layout::largest_size() const {
+    const auto smaller = [](const element_place &a, const element_place &b) { return a.size < b.size; };
+    return std::max_element(elements_.begin(), elements_.end(), smaller)->size;
 }
 
 } // namespace qryhost

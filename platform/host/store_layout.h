@@ -32,6 +32,8 @@ struct category_place {
     bool is_setting;
     std::uint32_t first_element;
     std::uint32_t element_num;
+    std::uint32_t offset; // its values take the bytes from here
+    std::uint32_t bytes;
 };
 
 // Immutable. Categories and elements ascend by id.
@@ -45,11 +47,17 @@ class store_layout {
     // Null when there is no such category.
     const category_place *find_category(std::uint32_t category) const;
 
+    // Whether a category, given by its position, has a value of this size at this place of the region.
+    bool has_value(std::size_t category, std::uint32_t offset, std::uint32_t size) const;
+
     const std::vector<category_place> &categories() const { return categories_; }
     const std::vector<element_place> &elements() const { return elements_; }
 
     // The region's size in bytes.
     std::uint32_t bytes() const { return bytes_; }
+
+    // The largest element's size in bytes.
+    std::uint16_t largest_size() const;
 
   private:
     store_layout();

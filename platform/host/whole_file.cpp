@@ -1,48 +1,26 @@
-// Reading with a limit; replacing through a synced temporary file and a rename.
+// Reading with a limit; creating and replacing through a synced temporary file beside the target.
 #include "platform/host/whole_file.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <atomic>
-#include <cerrno>
-#include <system_error>
 #include <utility>
 
-#include "platform/host/control.h"
+#include "platform/host/open_file.h"
 
 namespace qryhost {
 
 namespace {
 
-[[noreturn]] void fail(const std::string &path, const char *step, int error = errno) {
-    throw refusal(path + ": " + step + ": " + std::generic_category().message(error));
+std::string temporary_name(const std::string &path) {
+    static std::atomic<unsigned> counter{0};
+    return path + "." + std::to_string(::getpid()) + "." + std::to_string(++counter) + ".tmp";
 }
 
-class open_file {
-  public:
-    open_file(const std::string &path, int flags) : number_(::open(path.c_str(), flags | O_CLOEXEC, 0666)) {}
-    open_file(const open_file &) = delete;
-    open_file &operator=(const open_file &) = delete;
-    ~open_file() {
-        if (is_open()) {
-            ::close(number_);
-        }
-    }
-
-    bool is_open() const { return number_ >= 0; }
-    int number() const { return number_; }
-    bool close() { return ::close(std::exchange(number_, -1)) == 0; }
-
-  private:
-    int number_;
-};
-
-// Deletes the temporary file unless it has become the target.
+// The target's new content, complete and on the disk. Deleted unless it has become the target.
 class temporary_file {
   public:
-    explicit temporary_file(std::string path) : path_(std::move(path)) {}
+    temporary_file(const std::string &target, const std::string &content);
     temporary_file(const temporary_file &) = delete;
     temporary_file &operator=(const temporary_file &) = delete;
     ~temporary_file() {
@@ -51,16 +29,12 @@ class temporary_file {
         }
     }
 
+    const std::string &path() const { return path_; }
     void keep() { path_.clear(); }
 
   private:
     std::string path_;
 };
-
-std::string temporary_name(const std::string &path) {
-    static std::atomic<unsigned> counter{0};
-    return path + "." + std::to_string(::getpid()) + "." + std::to_string(++counter) + ".tmp";
-}
 
 void write_all(int file, const std::string &content, const std::string &path) {
     for (std::size_t written = 0; written < content.size();) {
@@ -69,6 +43,23 @@ void write_all(int file, const std::string &content, const std::string &path) {
             fail(path, "cannot be written");
         }
         written += now > 0 ? static_cast<std::size_t>(now) : 0;
+    }
+}
+
+temporary_file::temporary_file(const std::string &target, const std::string &content)
+    : path_(temporary_name(target)) {
+    open_file file(path_, O_WRONLY | O_CREAT | O_EXCL);
+    if (!file.is_open()) {
+        fail(target, "cannot be created");
+    }
+    try {
+        write_all(file.number(), content, target);
+        if (::fsync(file.number()) != 0 || !file.close()) {
+            fail(target, "cannot be written");
+        }
+    } catch (...) {
+        ::unlink(path_.c_str());
+        throw;
     }
 }
 
@@ -111,20 +102,19 @@ std::string read_whole_file(const std::string &path, std::size_t size_max) {
 }
 
 void replace_whole_file(const std::string &path, const std::string &content) {
-    const std::string fresh = temporary_name(path);
-    open_file file(fresh, O_WRONLY | O_CREAT | O_EXCL);
-    if (!file.is_open()) {
-        fail(fresh, "cannot be created");
-    }
-    temporary_file unfinished(fresh);
-    write_all(file.number(), content, fresh);
-    if (::fsync(file.number()) != 0 || !file.close()) {
-        fail(fresh, "cannot be written");
-    }
-    if (::rename(fresh.c_str(), path.c_str()) != 0) {
+    temporary_file fresh(path, content);
+    if (::rename(fresh.path().c_str(), path.c_str()) != 0) {
         fail(path, "cannot be replaced");
     }
-    unfinished.keep();
+    fresh.keep();
+    sync_folder_of(path);
+}
+
+void create_whole_file(const std::string &path, const std::string &content) {
+    const temporary_file fresh(path, content);
+    if (::link(fresh.path().c_str(), path.c_str()) != 0 && errno != EEXIST) {
+        fail(path, "cannot be created");
+    }
     sync_folder_of(path);
 }
 

@@ -1,4 +1,4 @@
-// Files that are read and replaced as a whole.
+// Files that are read, created and replaced as a whole.
 #pragma once
 
 #include <cstddef>
@@ -12,5 +12,9 @@ std::string read_whole_file(const std::string &path, std::size_t size_max);
 // Replaces a file by way of a temporary file beside it: a crash at any moment leaves the old content or the
 // new. Throws `refusal`, the old content then stays.
 void replace_whole_file(const std::string &path, const std::string &content);
+
+// Creates a file unless one of that name is there, or appears meanwhile: nobody ever sees a part of it.
+// Throws `refusal`.
+void create_whole_file(const std::string &path, const std::string &content);
 
 } // namespace qryhost

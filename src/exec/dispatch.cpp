@@ -11,6 +11,9 @@ namespace {
 constexpr const char *type_labels[] = {"", "INSERT", "UPDATE", "DELETE", "SELECT", "COUNT", "CREATE]"};
 constexpr const char *order_labels[] = {"NOTHING ]", "ASC ]", "DESC ]"};
 
+// Most summaries fit without growing.
+constexpr std::size_t summary_size = 160;
+
 template <std::size_t Num>
 const char *label(const char *const (&labels)[Num], std::uint32_t value) {
     return value < Num ? labels[value] : "";
@@ -18,12 +21,11 @@ const char *label(const char *const (&labels)[Num], std::uint32_t value) {
 
 // Fetches every column and condition, as a fuller summary would; none is added to it.
 void fetch_all(qry_lib_analyze_info const &info) {
+    for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
+        info.col_at(i);
+    }
     char col[QRY_LIB_COLUMN_NAME_MAX + 1];
     QRY_LIB_COLUMN_VALUE value;
-    QRY_LIB_COLUMN_TYPE type;
-    for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
-        info.get_cols(i, col, &value, type);
-    }
     QRY_LIB_OPERATION_TYPE operation;
     QRY_LIB_JOIN_TYPE join;
     std::int32_t quoted = 0;
@@ -95,7 +97,9 @@ std::string qry_lib_db_executer::log_out_put_analyze_info(qry_lib_analyze_info c
     QRY_LIB_ODER_TYPE order_type;
     info.get_order(order_col, order_type);
 
-    std::string line = "EXE_TYPE=[";
+    std::string line;
+    line.reserve(summary_size);
+    line += "EXE_TYPE=[";
     line += label(type_labels, info.get_exec_type());
     line += "] TABLE=[";
     line += info.get_table();

@@ -48,6 +48,16 @@ class search_records {
     qry_lib_tb_search_id id_;
 };
 
+// The statement's first column of exactly that name, or null.
+const QRY_LIB_COLUMN *find_column(qry_lib_analyze_info const &info, const char *name) {
+    for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
+        if (std::strcmp(info.col_at(i)->col_name, name) == 0) {
+            return info.col_at(i);
+        }
+    }
+    return nullptr;
+}
+
 // Where a conversion puts a value, or a read finds it, in the element's buffer.
 char *value_in(element_buffer &buffer, QRY_LIB_ELEMENT_INFO const &info) {
     return buffer.data() + info.member_offset;
@@ -147,15 +157,15 @@ int qry_lib_db_executer::create_primary_filter_key(char const *table, QRY_LIB_OP
     // Every key column must be there before the first value is looked at.
     target_columns supplied;
     for (const QRY_LIB_ELEMENT_INFO &column : columns) {
-        target_column &target = supplied.emplace_back();
-        target.element = column;
-        if (find_insert_column(info, column.name, target.column) != 0) {
+        const QRY_LIB_COLUMN *value = find_column(info, column.name);
+        if (value == nullptr) {
             return trace_code(__func__, 982, QRY_LIB_INVALID_ARGUMENT);
         }
+        supplied.push_back({value, column});
     }
     for (const target_column &target : supplied) {
         element_buffer buffer;
-        if (const int code = catalog_->conv_val_db2e_to_tbdb(target.element, target.column, buffer.data());
+        if (const int code = catalog_->conv_val_db2e_to_tbdb(target.element, *target.column, buffer.data());
             code != 0) {
             return trace_code(__func__, 994, code);
         }
@@ -166,18 +176,6 @@ int qry_lib_db_executer::create_primary_filter_key(char const *table, QRY_LIB_OP
         set_filter_key(target.element, operation, QRY_LIB_JOIN_TYPE_AND, value, keys);
     }
     return 0;
-}
-
-// The statement's first column of exactly that name. 0, or 0xDB05.
-int qry_lib_db_executer::find_insert_column(qry_lib_analyze_info const &info, const char *name,
-                                            QRY_LIB_COLUMN &column) {
-    for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
-        const std::uint32_t code = info.get_cols(i, column.col_name, &column.value, column.type);
-        if (code == 0 && std::strcmp(column.col_name, name) == 0) {
-            return 0;
-        }
-    }
-    return QRY_LIB_INVALID_ARGUMENT;
 }
 
 int qry_lib_db_executer::create_primary_filter_key_chk(QRY_LIB_ELEMENT_INFO info, char *value) {

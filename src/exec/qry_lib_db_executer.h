@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <list>
 #include <string>
+#include <vector>
 
 #include <qrylib/element_table.h>
 #include <qrylib/types.h>
@@ -78,21 +79,23 @@ class qry_lib_db_executer {
     int set_tb_table(qry_lib_analyze_info const &info, record_list records);
 
   private:
-    // A column of the statement and where it lies.
+    // A column of the statement, which owns it, and where it lies.
     struct target_column {
-        QRY_LIB_COLUMN column;
+        const QRY_LIB_COLUMN *column;
         QRY_LIB_ELEMENT_INFO element;
     };
-    using target_columns = std::list<target_column>;
+    using target_columns = std::vector<target_column>;
 
     int dispatch(qry_lib_analyze_info const &info, unsigned int category, record_list records,
                  qry_lib_db_rowset_ *rowset);
     int create_condition_key(qry_lib_analyze_info const &info, std::uint16_t index, filter_keys &keys);
-    int find_insert_column(qry_lib_analyze_info const &info, const char *name, QRY_LIB_COLUMN &column);
-    int resolve_selected(qry_lib_analyze_info const &info, target_columns &columns);
     int read_rows(target_columns const &columns, const char *table, record_list const &records,
                   qry_lib_db_rowset_ &rowset);
-    int resolve_written(qry_lib_analyze_info const &info, target_columns &columns);
+
+    // Finds every column of the statement. The function and its two points are those of a column that cannot
+    // be fetched and of one that the table does not have.
+    int resolve_columns(qry_lib_analyze_info const &info, const char *function, int fetch_line,
+                        int unknown_line, target_columns &columns);
     int write_column(target_column const &target, unsigned short record);
 
     qry_lib_table_element *catalog_ = nullptr;

@@ -82,7 +82,7 @@ std::uint32_t load_number(const char *from, std::uint32_t width) {
 
 // Compares as the bytes compare where the most significant byte comes first: as unsigned numbers, of which a
 // cmp_size below the number's width leaves the leading bytes, and bytes behind the number as they stand.
-int compare_numbers(const qry_lib_tb_list_filter_key_ &key, const char *row) {
+int compare_bytes_of(const qry_lib_tb_list_filter_key_ &key, const char *row) {
     const std::uint32_t width = number_width(key.elem_type);
     const std::uint32_t compared = std::min<std::uint32_t>(width, key.cmp_size);
     if (compared > 0) {
@@ -96,13 +96,9 @@ int compare_numbers(const qry_lib_tb_list_filter_key_ &key, const char *row) {
     return std::memcmp(key.value + compared, row + compared, key.cmp_size - compared);
 }
 
-bool holds(const qry_lib_tb_list_filter_key_ &key, const char *row) {
-    if (key.operation == QRY_LIB_OPERATION_TYPE_LIKE) {
-        return norvane::tb_strncmp(key.value, row, static_cast<std::uint32_t>(std::strlen(key.value))) == 0;
-    }
-    const int order =
-        is_string_element(key.elem_type) ? norvane::tb_strcmp(key.value, row) : compare_numbers(key, row);
-    switch (key.operation) {
+// `order` is that of the key's value to the row's: 0, below or above it.
+bool holds(QRY_LIB_OPERATION_TYPE operation, int order) {
+    switch (operation) {
     case QRY_LIB_OPERATION_TYPE_EQUAL:
         return order == 0;
     case QRY_LIB_OPERATION_TYPE_NOT_EQUAL:
@@ -149,66 +145,99 @@ key_span find_span(std::uint32_t category, const qry_lib_tb_list_filter_key_ &ke
     return span;
 }
 
-// One list table for each key, deleted when the search ends.
-class list_tables {
+// A key made ready to be compared with every record: its list table, and a number's value already loaded.
+class search_key {
   public:
-    struct key_list {
-        tbctListTable table;
-        key_span span;
-    };
+    search_key(std::uint32_t category, const qry_lib_tb_list_filter_key_ &key)
+        : key_(&key), span_(find_span(category, key)) {
+        const std::uint32_t width = number_width(key.elem_type);
+        if (width != 0 && key.cmp_size == width) {
+            width_ = width;
+            number_ = load_number(key.value, width);
+        }
+    }
 
-    list_tables(std::uint32_t category, std::uint16_t key_num, const qry_lib_tb_list_filter_key_ *keys,
-                std::uint16_t record_num)
-        : lists_(key_num) {
+    tbctListTable &list() { return list_; }
+    bool is_or() const { return key_->join == QRY_LIB_JOIN_TYPE_OR; }
+
+    // Whether the record under the list's position satisfies the key. Its value is read into `buffer`.
+    bool matches(element_buffer &buffer) {
+        buffer.clear(span_.element_end);
+        tbctSTCListTableGetVal(&list_, buffer.data());
+        const char *row = buffer.at(key_->member_offset);
+        if (width_ != 0) {
+            const std::uint32_t row_number = load_number(row, width_);
+            return holds(key_->operation, number_ < row_number ? -1 : number_ > row_number ? 1 : 0);
+        }
+        if (!is_string_element(key_->elem_type)) {
+            return holds(key_->operation, compare_bytes_of(*key_, row));
+        }
+        buffer.data()[span_.value_end] = '\0'; // a string may fill its element
+        if (key_->operation == QRY_LIB_OPERATION_TYPE_LIKE) {
+            const auto length = static_cast<std::uint32_t>(std::strlen(key_->value));
+            return norvane::tb_strncmp(key_->value, row, length) == 0;
+        }
+        return holds(key_->operation, norvane::tb_strcmp(key_->value, row));
+    }
+
+  private:
+    const qry_lib_tb_list_filter_key_ *key_;
+    tbctListTable list_{};
+    key_span span_;
+    std::uint32_t width_ = 0; // bytes of a number that is compared whole; 0: anything else
+    std::uint32_t number_ = 0;
+};
+
+// The keys of a search and their list tables, deleted when the search ends.
+class search_keys {
+  public:
+    search_keys(std::uint32_t category, std::uint16_t key_num, const qry_lib_tb_list_filter_key_ *keys,
+                std::uint16_t record_num) {
+        keys_.reserve(key_num);
         for (std::uint16_t i = 0; i < key_num; ++i) {
-            lists_[i].span = find_span(category, keys[i]);
+            keys_.emplace_back(category, keys[i]);
+        }
+        for (std::uint16_t i = 0; i < key_num; ++i) {
             const std::uint32_t code =
-                tbctSTCCreateListTable(category, keys[i].element_id, record_num, &lists_[i].table);
+                tbctSTCCreateListTable(category, keys[i].element_id, record_num, &keys_[i].list());
             if (code != 0) {
                 // The search goes on without its lists and fails at the first record.
-                delete_all();
+                delete_lists();
                 trace_return("qry_lib_tb_create_list_table", 805, code);
             }
         }
     }
-    list_tables(const list_tables &) = delete;
-    list_tables &operator=(const list_tables &) = delete;
-    ~list_tables() { delete_all(); }
+    search_keys(const search_keys &) = delete;
+    search_keys &operator=(const search_keys &) = delete;
+    ~search_keys() { delete_lists(); }
 
-    key_list &operator[](std::size_t index) { return lists_[index]; }
+    std::vector<search_key>::iterator begin() { return keys_.begin(); }
+    std::vector<search_key>::iterator end() { return keys_.end(); }
 
   private:
     // Harmless on lists that were not created or are deleted already.
-    void delete_all() {
-        for (key_list &list : lists_) {
-            tbctSTCDeleteListTable(&list.table, 0);
+    void delete_lists() {
+        for (search_key &key : keys_) {
+            tbctSTCDeleteListTable(&key.list(), 0);
         }
     }
 
-    std::vector<key_list> lists_; // zeroed before the first is created
+    std::vector<search_key> keys_;
 };
 
 enum class row_result { match, no_match, failure };
 
 // Tests one record, strictly left to right: an OR key that holds ends the test with a match, any other key
-// that fails ends it without one.
-row_result test_row(std::uint16_t position, std::uint16_t key_num, const qry_lib_tb_list_filter_key_ *keys,
-                    list_tables &lists, element_buffer &buffer) {
-    bool matches = key_num == 0;
-    for (std::uint16_t i = 0; i < key_num; ++i) {
-        list_tables::key_list &list = lists[i];
-        if (tbctSTCListTableSetPos(&list.table, position) != 0) {
+// that fails ends it without one. Without keys every record matches.
+row_result test_row(std::uint16_t position, search_keys &keys, element_buffer &buffer) {
+    bool matches = true;
+    for (search_key &key : keys) {
+        if (tbctSTCListTableSetPos(&key.list(), position) != 0) {
             trace_return(search_name, 519, QRY_LIB_TABLE_ACCESS);
             return row_result::failure;
         }
-        buffer.clear(list.span.element_end);
-        tbctSTCListTableGetVal(&list.table, buffer.data());
-        if (is_string_element(keys[i].elem_type)) {
-            buffer.data()[list.span.value_end] = '\0'; // a string may fill its element
-        }
-        matches = holds(keys[i], buffer.at(keys[i].member_offset));
-        const bool is_or = keys[i].join == QRY_LIB_JOIN_TYPE_OR;
-        if (matches == is_or) {
+        matches = key.matches(buffer);
+        if (matches == key.is_or()) {
             break;
         }
     }
@@ -271,12 +300,12 @@ uint32_t qry_lib_tb_create_search_table_id(uint32_t category, uint16_t key_num,
         trace_return("qry_lib_tb_alloc_mem", 690, QRY_LIB_TABLE_ACCESS);
         return trace_return(search_name, 429, QRY_LIB_TABLE_ACCESS);
     }
-    list_tables lists(category, key_num, keys, record_num);
+    search_keys prepared(category, key_num, keys, record_num);
     element_buffer buffer;
     uint16_t *records = block.as<uint16_t>();
     uint16_t found = 0;
     for (uint16_t position = 0; position < record_num; ++position) {
-        switch (test_row(position, key_num, keys, lists, buffer)) {
+        switch (test_row(position, prepared, buffer)) {
         case row_result::match:
             records[found++] = position;
             break;

@@ -1,4 +1,6 @@
 // SELECT and COUNT: the found records become the rows of the caller's rowset.
+#include <cstring>
+
 #include "api/qry_lib_db_rowset_lib.h"
 #include "exec/element_buffer.h"
 #include "exec/qry_lib_db_executer.h"
@@ -25,6 +27,13 @@ class unfinished_rowset {
   private:
     qry_lib_db_rowset_ *rowset_;
 };
+
+bool is_sorted(qry_lib_analyze_info const &info) {
+    char column[QRY_LIB_COLUMN_NAME_MAX + 1];
+    QRY_LIB_ODER_TYPE order;
+    info.get_order(column, order);
+    return order != QRY_LIB_ODER_TYPE_NOTHING;
+}
 
 } // namespace
 
@@ -71,11 +80,15 @@ int qry_lib_db_executer::exec_select_proc(qry_lib_analyze_info const &info, reco
     }
     unfinished_rowset unfinished(rowset);
     record_list sorted;
-    if (const int code = sort_tbdb_table_id(info, records, sorted); code != 0) {
-        return trace_code(__func__, 387, code);
+    if (is_sorted(info)) {
+        if (const int code = sort_tbdb_table_id(info, records, sorted); code != 0) {
+            return trace_code(__func__, 387, code);
+        }
+    } else {
+        sorted = std::move(records);
     }
     target_columns columns;
-    if (const int code = resolve_selected(info, columns); code != 0) {
+    if (const int code = resolve_columns(info, __func__, 400, 408, columns); code != 0) {
         return code;
     }
     if (const int code = read_rows(columns, info.get_table(), sorted, rowset); code != 0) {
@@ -85,28 +98,31 @@ int qry_lib_db_executer::exec_select_proc(qry_lib_analyze_info const &info, reco
     return 0;
 }
 
-int qry_lib_db_executer::resolve_selected(qry_lib_analyze_info const &info, target_columns &columns) {
-    static constexpr char name[] = "exec_select_proc";
+int qry_lib_db_executer::resolve_columns(qry_lib_analyze_info const &info, const char *function,
+                                         int fetch_line, int unknown_line, target_columns &columns) {
+    columns.reserve(info.get_cols_num());
     for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
-        target_column &selected = columns.emplace_back();
-        QRY_LIB_COLUMN &column = selected.column;
-        const std::uint32_t get_code = info.get_cols(i, column.col_name, &column.value, column.type);
-        if (get_code != 0) {
-            return trace_code(name, 400, static_cast<int>(get_code));
+        target_column &target = columns.emplace_back();
+        target.column = info.col_at(i);
+        if (target.column == nullptr) {
+            return trace_code(function, fetch_line, QRY_LIB_NO_SUCH_ITEM);
         }
-        if (const int code = catalog_->get_info(info.get_table(), column.col_name, selected.element);
-            code != 0) {
-            return trace_code(name, 408, code);
+        const int code = catalog_->get_info(info.get_table(), target.column->col_name, target.element);
+        if (code != 0) {
+            return trace_code(function, unknown_line, code);
         }
     }
     return 0;
 }
 
-// Writes each value once, where the caller will read it.
+// Writes each value once, where the caller will read it. The two names of a cell are copied as whole arrays
+// of fixed size: a table's rows times its columns of them are the better part of a large result.
 int qry_lib_db_executer::read_rows(target_columns const &columns, const char *table,
                                    record_list const &records, qry_lib_db_rowset_ &rowset) {
     static constexpr char name[] = "exec_select_proc";
     const qry_lib_db_rowset_lib rows;
+    char table_name[sizeof QRY_LIB_COLUMN::table_name] = {};
+    copy_bounded(table_name, table);
     element_buffer buffer;
     for (const unsigned short record : records) {
         rows.next_record_index(rowset);
@@ -123,8 +139,8 @@ int qry_lib_db_executer::read_rows(target_columns const &columns, const char *ta
             if (column == nullptr) {
                 return trace_code(name, 450, QRY_LIB_INVALID_ARGUMENT);
             }
-            catalog_->conv_val_tbdb_to_db2e(element, selected.column.col_name, buffer.data(), *column);
-            copy_bounded(column->table_name, table);
+            catalog_->conv_val_tbdb_to_db2e(element, selected.column->col_name, buffer.data(), *column);
+            std::memcpy(column->table_name, table_name, sizeof table_name);
         }
     }
     return 0;

@@ -90,11 +90,11 @@ int qry_lib_db_executer::sort_internal(void **items, std::uint32_t count, QRY_LI
         trace_return(__func__, 1358, result);
         return QRY_LIB_NOT_ACCEPTED;
     }
-    for (std::size_t i = 0; i < records.size(); ++i) {
-        unsigned short record = 0;
-        std::memcpy(&record, items[i], record_number_size);
-        sorted.push_back(record);
+    void *const *ordered = items;
+    for (unsigned short &record : records) {
+        std::memcpy(&record, *ordered++, record_number_size);
     }
+    sorted.splice(sorted.end(), records);
     return 0;
 }
 

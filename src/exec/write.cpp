@@ -63,14 +63,14 @@ int qry_lib_db_executer::exec_delete(qry_lib_analyze_info const &, unsigned int 
 
 int qry_lib_db_executer::set_tb_table(qry_lib_analyze_info const &info, record_list records) {
     target_columns columns;
-    if (const int code = resolve_written(info, columns); code != 0) {
+    if (const int code = resolve_columns(info, __func__, 1134, 1142, columns); code != 0) {
         return code;
     }
     if (records.empty()) {
         return 0;
     }
     for (const target_column &target : columns) {
-        if (!fits_element(target.column, target.element)) {
+        if (!fits_element(*target.column, target.element)) {
             return trace_code(__func__, __LINE__, QRY_LIB_INVALID_ARGUMENT);
         }
     }
@@ -79,23 +79,6 @@ int qry_lib_db_executer::set_tb_table(qry_lib_analyze_info const &info, record_l
             if (const int code = write_column(target, record); code != 0) {
                 return code;
             }
-        }
-    }
-    return 0;
-}
-
-int qry_lib_db_executer::resolve_written(qry_lib_analyze_info const &info, target_columns &columns) {
-    static constexpr char name[] = "set_tb_table";
-    for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
-        target_column &target = columns.emplace_back();
-        QRY_LIB_COLUMN &column = target.column;
-        const std::uint32_t get_code = info.get_cols(i, column.col_name, &column.value, column.type);
-        if (get_code != 0) {
-            return trace_code(name, 1134, static_cast<int>(get_code));
-        }
-        if (const int code = catalog_->get_info(info.get_table(), column.col_name, target.element);
-            code != 0) {
-            return trace_code(name, 1142, code);
         }
     }
     return 0;
@@ -114,7 +97,7 @@ int qry_lib_db_executer::write_column(target_column const &target, unsigned shor
             return trace_code(name, 1167, static_cast<int>(code));
         }
     }
-    if (const int code = catalog_->conv_val_db2e_to_tbdb(element, target.column, buffer.data()); code != 0) {
+    if (const int code = catalog_->conv_val_db2e_to_tbdb(element, *target.column, buffer.data()); code != 0) {
         return trace_code(name, 1175, code);
     }
     const std::uint32_t code =

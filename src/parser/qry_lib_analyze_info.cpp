@@ -80,13 +80,13 @@ std::uint32_t qry_lib_analyze_info::get_cols(std::uint16_t index, char *table, c
 
 std::uint32_t qry_lib_analyze_info::get_cols(std::uint16_t index, char *col, QRY_LIB_COLUMN_VALUE *value,
                                              QRY_LIB_COLUMN_TYPE &type) const {
-    if (index >= get_cols_num()) {
+    const QRY_LIB_COLUMN *column = col_at(index);
+    if (column == nullptr) {
         return QRY_LIB_NO_SUCH_ITEM;
     }
-    const QRY_LIB_COLUMN &column = cols_[index];
-    copy_bounded<QRY_LIB_COLUMN_NAME_MAX>(col, column.col_name);
-    std::memcpy(value, &column.value, sizeof *value);
-    type = column.type;
+    copy_bounded<QRY_LIB_COLUMN_NAME_MAX>(col, column->col_name);
+    std::memcpy(value, &column->value, sizeof *value);
+    type = column->type;
     return 0;
 }
 

@@ -1,6 +1,7 @@
 // The parsed form of one query: what the parser fills and the executer reads.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -41,6 +42,11 @@ class qry_lib_analyze_info {
                          QRY_LIB_OPERATION_TYPE operation, QRY_LIB_JOIN_TYPE join, std::int32_t quoted);
     void add_filter_cols(const char *col, const char *value, QRY_LIB_OPERATION_TYPE operation,
                          QRY_LIB_JOIN_TYPE join, std::int32_t quoted);
+
+    // Makes room for as many columns or conditions, so that adding them moves none.
+    void reserve_cols(std::size_t num) { cols_.reserve(num); }
+    void reserve_filter_cols(std::size_t num) { filters_.reserve(num); }
+
     void set_order(const char *table, const char *col, QRY_LIB_ODER_TYPE order_type);
     void set_order(const char *col, QRY_LIB_ODER_TYPE order_type);
     void all_clear();
@@ -54,6 +60,11 @@ class qry_lib_analyze_info {
     std::uint16_t get_table_num() const { return static_cast<std::uint16_t>(tables_.size()); }
     std::uint32_t get_table(std::uint16_t index, char *name) const;
     std::uint16_t get_cols_num() const { return static_cast<std::uint16_t>(cols_.size()); }
+
+    // The column itself, for reading without a copy of its 3000 bytes; null beyond the end.
+    const QRY_LIB_COLUMN *col_at(std::uint16_t index) const {
+        return index < get_cols_num() ? &cols_[index] : nullptr;
+    }
     std::uint32_t get_cols(std::uint16_t index, char *table, char *col, QRY_LIB_COLUMN_VALUE *value,
                            QRY_LIB_COLUMN_TYPE &type) const;
     std::uint32_t get_cols(std::uint16_t index, char *col, QRY_LIB_COLUMN_VALUE *value,

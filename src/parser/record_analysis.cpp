@@ -45,6 +45,9 @@ std::uint32_t add_columns(const char *function, int nameless_line, const QRY_LIB
     if (record.col_num > UINT16_MAX) {
         return refuse(function, __LINE__);
     }
+    if (record.cols != nullptr && record.col_num > 0) {
+        info.reserve_cols(static_cast<std::size_t>(record.col_num));
+    }
     for (std::int32_t i = 0; i < record.col_num; ++i) {
         if (record.cols == nullptr || record.cols[i].col_name[0] == '\0') {
             return refuse(function, nameless_line);

@@ -166,6 +166,7 @@ std::uint32_t qry_lib_sql_parser::set_select_cols(const std::string &cols, bool 
     if (count == 0) {
         return add_select_col(cols, info);
     }
+    info.reserve_cols(count);
     for (const std::string &item : items) {
         if (item.empty()) {
             return trace_return(name, 289, QRY_LIB_NOT_ACCEPTED);

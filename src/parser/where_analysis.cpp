@@ -1,4 +1,5 @@
 // WHERE: a flat list of comparisons, joined all by AND or all by OR.
+#include <algorithm>
 #include <string_view>
 
 #include "parser/qry_lib_sql_parser.h"
@@ -104,6 +105,7 @@ std::uint32_t add_list(const qry_lib_sql_parser &parser, const comparison &compa
     if (count == 0) {
         return add_value(parser, compared, list, lone_element, info);
     }
+    info.reserve_filter_cols(std::min<std::size_t>(info.get_filter_cols_num() + elements.size(), UINT16_MAX));
     for (std::string &element : elements) {
         if (const std::uint32_t code = add_value(parser, compared, element, list_element, info); code != 0) {
             return code;
@@ -135,6 +137,7 @@ std::uint32_t qry_lib_sql_parser::set_filter_str(const char *where_text, qry_lib
     if (divide_keyword(where_text, and_num > 0 ? " AND " : " OR ", count, conditions) != 0 || count < 2) {
         return trace_return(__func__, 1552, QRY_LIB_NOT_ACCEPTED);
     }
+    info.reserve_filter_cols(std::min<std::size_t>(conditions.size(), UINT16_MAX));
     for (const std::string &condition : conditions) {
         if (divide_operate(condition.c_str(), static_cast<unsigned char>(join), info) != 0) {
             return trace_return(__func__, 1561, QRY_LIB_NOT_ACCEPTED);

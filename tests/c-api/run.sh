@@ -1,24 +1,58 @@
 #!/usr/bin/env bash
-# Installs the build in $1 into a scratch folder and builds and runs the caller against it, once found by CMake
-# and once by pkg-config. $2: this folder; the rest: compiler and flags.
+# Installs a build into a scratch folder, then builds and runs callers in C99 and C++17 three ways: over what
+# CMake finds there, over what pkg-config finds there, and with the library's sources as part of their project.
+#
+# usage: run.sh BUILD SOURCES C_COMPILER C++_COMPILER FLAGS TOOLCHAIN_FILE [EMULATOR...]
 set -euo pipefail
 build=$1
-source=$2
-compiler=$3
-flags=$4
+sources=$2
+c_compiler=$3
+cxx_compiler=$4
+flags=$5
+toolchain=$6
+emulator=("${@:7}")
+callers=$sources/tests/c-api
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-cmake --install "$build" --prefix "$scratch/usr" >/dev/null
+quietly() {
+    "$@" >"$scratch/log" 2>&1 || { cat "$scratch/log" >&2; return 1; }
+}
 
-cmake -S "$source" -B "$scratch/build" -G Ninja -DCMAKE_PREFIX_PATH="$scratch/usr" -DCMAKE_C_COMPILER="$compiler" \
-    -DCMAKE_C_FLAGS="$flags" >/dev/null
-cmake --build "$scratch/build" >/dev/null
-"$scratch/build/caller"
+# Runs the three programs in folder $1. The two languages of the example must say the same.
+run_callers() {
+    "${emulator[@]}" "$1/caller"
+    for language in c cpp; do
+        "${emulator[@]}" "$1/people_$language" | diff "$callers/people.out" -
+    done
+}
 
-export PKG_CONFIG_PATH=$(dirname "$(find "$scratch/usr" -name qrylib.pc)")
-prefix=(--define-variable=prefix="$scratch/usr")
-# shellcheck disable=SC2046,SC2086
-"$compiler" -std=c99 -Wpedantic -Werror $flags "$source/caller.c" -o "$scratch/caller" \
-    -I"$scratch/usr/include/qrylib-platform" $(pkg-config "${prefix[@]}" --cflags --libs qrylib) -lqryplatform
-LD_LIBRARY_PATH=$(pkg-config "${prefix[@]}" --variable=libdir qrylib) "$scratch/caller"
+# Builds the callers as a project of their own in folder $1; the rest: where the library is.
+build_callers() {
+    quietly cmake -S "$callers" -B "$1" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$toolchain" \
+        -DCMAKE_C_COMPILER="$c_compiler" -DCMAKE_CXX_COMPILER="$cxx_compiler" -DCMAKE_C_FLAGS="$flags" \
+        -DCMAKE_CXX_FLAGS="$flags" -DQRYLIB_EXAMPLES="$sources/examples" "${@:2}"
+    quietly cmake --build "$1" -j2
+}
+
+quietly cmake --install "$build" --prefix "$scratch/usr"
+build_callers "$scratch/found" -DCMAKE_PREFIX_PATH="$scratch/usr" -DCMAKE_STAGING_PREFIX="$scratch/usr"
+PKG_CONFIG_PATH=$(dirname "$(find "$scratch/usr" -name qrylib.pc)")
+export PKG_CONFIG_PATH
+LD_LIBRARY_PATH=${PKG_CONFIG_PATH%/pkgconfig} run_callers "$scratch/found"
+
+build_callers "$scratch/part" -DQRYLIB_SOURCE="$sources"
+run_callers "$scratch/part"
+
+pkg-config --validate qrylib
+mkdir "$scratch/asked"
+read -r -a library <<<"$(pkg-config --cflags --libs qrylib)"
+read -r -a extra <<<"$flags"
+platform=(-I"$(pkg-config --variable=includedir qrylib)/qrylib-platform" -lqryplatform)
+"$c_compiler" -std=c99 -Wpedantic -Werror "${extra[@]}" "$callers/caller.c" -o "$scratch/asked/caller" \
+    "${library[@]}" "${platform[@]}"
+"$c_compiler" -std=c99 -Wpedantic -Werror "${extra[@]}" "$sources/examples/people.c" -o "$scratch/asked/people_c" \
+    "${library[@]}"
+"$cxx_compiler" -std=c++17 -Wpedantic -Werror "${extra[@]}" "$sources/examples/people.cpp" \
+    -o "$scratch/asked/people_cpp" "${library[@]}"
+LD_LIBRARY_PATH=$(pkg-config --variable=libdir qrylib) run_callers "$scratch/asked"

@@ -49,6 +49,38 @@ expect 1 '' '*--nothing*' --nothing
 expect 0 '*.schema*INSERT INTO*UPDATE*' '' --help
 expect 0 '[0-9]*.[0-9]*.[0-9]*' '' --version
 
+# Device images: created, shared by later runs and by shells at once, examined, refused.
+insert="INSERT INTO PSN_TBL (PSN_ID, PSN_NAME) VALUES (4, 'Ito')"
+name='SELECT PSN_NAME FROM PSN_TBL'
+expect 0 ok '' device.img "$insert"
+expect 0 $'PSN_NAME\r\nIto\r' '' --mode csv ./device.img "$name"
+expect 0 $'PSN_NAME\r\nIto\r' '' --mode csv --image device.img "$name"
+expect 0 $'PSN_NAME\r' '' --mode csv "$name"
+cp device.img copied
+expect 0 $'PSN_NAME\r\nIto\r' '' --mode csv copied "$name"
+expect 0 '*note: adbk_db.PSN_TBL: 1 of 10 records in use*' '' --check device.img
+expect 1 '' 'error: missing.img: cannot be opened: *' --check missing.img
+expect 1 '' 'error: .: is a folder' --image . "$name"
+expect 1 '' 'error: */err: is too short for a device image: *' "$PWD/err" "$name"
+printf x | dd of=copied bs=1 seek=3 conv=notrunc status=none
+expect 1 '' 'error: copied: is no device image' copied "$name"
+expect 1 '' 'error: copied: is no device image' --check copied
+
+# One shell stays open while another writes.
+coproc waiting { "${qrysh[@]}" --mode csv device.img 2>&1; }
+echo "$name" >&"${waiting[1]}"
+read -r -u "${waiting[0]}" _
+read -r -u "${waiting[0]}" before
+expect 0 ok '' device.img "UPDATE PSN_TBL SET PSN_NAME = 'Mori' WHERE PSN_ID = 4"
+echo "$name" >&"${waiting[1]}"
+read -r -u "${waiting[0]}" _
+read -r -u "${waiting[0]}" after
+echo .quit >&"${waiting[1]}"
+if [ "$before/$after" != $'Ito\r/Mori\r' ]; then
+    echo "a shell did not see another's change: $before/$after"
+    failures=$((failures + 1))
+fi
+
 # A zero byte does not end a statement unseen.
 status=0
 printf 'DELETE FROM PSN_TBL\0WHERE PSN_ID = 1\n' | "${qrysh[@]}" >out 2>err || status=$?

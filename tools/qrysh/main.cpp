@@ -13,6 +13,9 @@ using namespace qrysh;
 
 bool set_up(session &shell, const options &chosen) {
     shell.set_echo(chosen.echo);
+    if (!chosen.image.empty() && shell.open(chosen.image) == outcome::failed) {
+        return false;
+    }
     if (chosen.trace) {
         shell.set_trace(true);
     }
@@ -42,6 +45,9 @@ int run(int argc, char **argv) {
     const options chosen = parse_options(argc, argv);
     if (chosen.exit_status >= 0) {
         return chosen.exit_status;
+    }
+    if (!chosen.check.empty()) {
+        return session::check(chosen.check) == outcome::failed ? 1 : 0;
     }
     session shell;
     if (!set_up(shell, chosen)) {

@@ -7,6 +7,8 @@
 namespace qrysh {
 
 struct options {
+    std::string image; // empty: private memory, or what QRYLIB_IMAGE names
+    std::string check; // not empty: examine this image and do nothing else
     std::string fixture;
     std::string db;
     std::string mode;

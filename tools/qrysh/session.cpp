@@ -27,6 +27,10 @@ void print_trace(void * /*context*/, std::uint32_t /*destination*/, std::uint32_
     fmt::print(stderr, "{}\n", explain_trace(text));
 }
 
+void print_finding(void * /*context*/, int is_damage, const char *text) {
+    print(fmt::format("{}: {}\n", is_damage != 0 ? "damage" : "note", printable(text)));
+}
+
 std::string first_word_in_capitals(std::string_view text) {
     std::string word;
     for (const char c : text) {
@@ -143,12 +147,20 @@ outcome session::use_mode(const std::string &name) {
     return outcome::done;
 }
 
+outcome session::open(const std::string &image_path) {
+    return report_host(qryhost_open(image_path.c_str()));
+}
+
 outcome session::load(const std::string &path) {
     return report_host(qryhost_load(path.c_str()));
 }
 
 outcome session::save(const std::string &path) {
     return report_host(qryhost_save(path.c_str()));
+}
+
+outcome session::check(const std::string &image_path) {
+    return report_host(qryhost_check(image_path.c_str(), print_finding, nullptr));
 }
 
 void session::set_trace(bool on) {

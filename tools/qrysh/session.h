@@ -21,6 +21,7 @@ class session {
     // Each answers done, or complains and answers failed.
     outcome use_database(const std::string &name);
     outcome use_mode(const std::string &name);
+    outcome open(const std::string &image_path);
     outcome load(const std::string &path);
     outcome save(const std::string &path);
 
@@ -31,6 +32,9 @@ class session {
 
     // Prints an answer in the current output mode.
     void show(const result &answer) const;
+
+    // Prints what an examination of a device image finds.
+    static outcome check(const std::string &image_path);
 
     // Prints a complaint.
     static outcome fail(std::string_view sentence);

@@ -96,12 +96,33 @@ TEST(environment, mutexes_run_out_with_a_code) {
     }));
 }
 
-TEST(environment, an_image_on_first_use_is_refused_with_a_sentence) {
-    const environment_variable image("QRYLIB_IMAGE", "device.img");
+TEST(environment, an_image_is_opened_on_first_use) {
+    const temporary_folder folder;
+    const environment_variable image("QRYLIB_IMAGE", folder.file("device.img"));
+    EXPECT_TRUE(in_child([] {
+        const std::uint32_t mode = 7;
+        return tbctSTCSetStatus(requester, settings, setting_ids[0], &mode) == 0;
+    }));
+    EXPECT_TRUE(in_child([] {
+        std::uint32_t mode = 0;
+        return tbctSTCGetStatus(settings, setting_ids[0], &mode) == 0 && mode == 7;
+    }));
+}
+
+TEST(environment, an_image_that_cannot_be_opened_is_refused_with_a_sentence) {
+    const environment_variable image("QRYLIB_IMAGE", "/no/such/folder/device.img");
     EXPECT_TRUE(in_child([] {
         std::uint32_t mode = 0;
         return tbctSTCGetStatus(settings, setting_ids[0], &mode) == 0x5242 &&
-               std::string(qryhost_error()) == "device images are not available yet";
+               std::string(qryhost_error()).find("/no/such/folder/device.img") == 0;
+    }));
+}
+
+TEST(environment, an_empty_image_name_is_private_memory) {
+    const environment_variable image("QRYLIB_IMAGE", "");
+    EXPECT_TRUE(in_child([] {
+        std::uint32_t mode = 7;
+        return tbctSTCGetStatus(settings, setting_ids[0], &mode) == 0 && mode == 0;
     }));
 }
 

@@ -219,28 +219,28 @@ TEST_F(control, after_close_the_next_call_opens_afresh) {
     EXPECT_TRUE(is_empty(store_content()));
 }
 
-TEST_F(control, an_image_is_refused_and_the_open_store_stays) {
+TEST_F(control, what_is_no_image_is_refused_and_the_open_store_stays) {
     set_first_person("Sato");
-    EXPECT_NE(qryhost_open("device.img"), 0);
-    EXPECT_STREQ(qryhost_error(), "device images are not available yet");
+    EXPECT_NE(qryhost_open("/"), 0);
+    EXPECT_STREQ(qryhost_error(), "/: is a folder");
     EXPECT_FALSE(is_empty(store_content()));
     EXPECT_EQ(qryhost_open(nullptr), 0);
     EXPECT_STREQ(qryhost_error(), "");
 }
 
 TEST_F(control, each_thread_has_its_own_error) {
-    EXPECT_NE(qryhost_open("device.img"), 0);
+    EXPECT_NE(qryhost_open("/"), 0);
     std::thread([] { EXPECT_STREQ(qryhost_error(), ""); }).join();
     EXPECT_STRNE(qryhost_error(), "");
 }
 
 TEST_F(control, without_a_store_calls_answer_codes) {
-    const environment_variable image("QRYLIB_IMAGE", "device.img");
+    const environment_variable image("QRYLIB_IMAGE", "/");
     ASSERT_EQ(qryhost_close(), 0);
     value_buffer value = empty_buffer();
     tbctListTable list{};
     EXPECT_EQ(tbctSTCGetTable(persons, 1, person_name, value.data()), 0x5242u);
-    EXPECT_STREQ(qryhost_error(), "device images are not available yet");
+    EXPECT_STREQ(qryhost_error(), "/: is a folder");
     EXPECT_EQ(tbctSTCSetTable(requester, persons, 1, person_name, value.data()), 0x5242u);
     EXPECT_EQ(tbSTCInitTable(persons, 1), 0x5242u);
     EXPECT_EQ(tbctResetTable(persons), 0x5242u);
@@ -248,7 +248,7 @@ TEST_F(control, without_a_store_calls_answer_codes) {
     EXPECT_EQ(tbctSTCCreateListTable(persons, person_name, 1, &list), 0x5242u);
     for (int (*call)(const char *) : {qryhost_load, qryhost_save}) {
         EXPECT_NE(call("unused.json"), 0);
-        EXPECT_STREQ(qryhost_error(), "device images are not available yet");
+        EXPECT_STREQ(qryhost_error(), "/: is a folder");
     }
     EXPECT_NE(qryhost_reset(), 0);
     EXPECT_EQ(qryhost_open(nullptr), 0) << "private memory can be asked for all the same";

@@ -1,0 +1,134 @@
+"""Turns the benchmark's JSON results into docs/benchmarks.md and its two plots."""
+import json
+import pathlib
+import platform
+import statistics
+import sys
+
+ENGINES = ("qrylib", "sqlite_fresh", "sqlite_kept")
+TITLES = {"qrylib": "qrylib", "sqlite_fresh": "SQLite, fresh text", "sqlite_kept": "SQLite, kept statement"}
+COLOURS = {"qrylib": "#1b6ca8", "sqlite_fresh": "#c8553d", "sqlite_kept": "#8a8a8a"}
+
+
+def load(folder):
+    """Medians in microseconds by statement, size (None: the product's own) and engine, and counters."""
+    times, counters, machine = {}, {}, {}
+    for path in sorted(folder.glob("*.json")):
+        data = json.loads(path.read_text())
+        machine = data["context"]
+        for run in data["benchmarks"]:
+            if run["run_type"] != "iteration":
+                continue
+            statement, engine = run["run_name"].split("/")
+            name, _, size = statement.partition(":")
+            key = (name, int(size) if size else None, engine)
+            times.setdefault(key, []).append(run["cpu_time"] / 1000)
+            counters[key] = (run.get("allocations", 0), run.get("blocks", 0))
+    return {key: statistics.median(values) for key, values in times.items()}, counters, machine
+
+
+def svg(width, height, body):
+    return (f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {height}" width="{width}" '
+            f'height="{height}" font-family="sans-serif" font-size="12">\n'
+            f'<rect width="{width}" height="{height}" fill="white"/>\n' + "\n".join(body) + "\n</svg>\n")
+
+
+def ratio_plot(times, statements):
+    """How many times faster than SQLite with fresh text; the line at 1 is SQLite."""
+    scale, left, row = 60, 170, 22
+    best = max(times[s, None, "sqlite_fresh"] / times[s, None, "qrylib"] for s in statements)
+    width, height = left + int(scale * max(best, 3.5)) + 60, 40 + row * len(statements)
+    body = []
+    for mark in (1, 3):
+        x = left + scale * mark
+        body.append(f'<line x1="{x}" y1="20" x2="{x}" y2="{height - 10}" stroke="#bbb"/>'
+                    f'<text x="{x}" y="15" text-anchor="middle" fill="#555">{mark} x</text>')
+    for i, statement in enumerate(statements):
+        ratio = times[statement, None, "sqlite_fresh"] / times[statement, None, "qrylib"]
+        y = 28 + row * i
+        body.append(f'<text x="{left - 8}" y="{y + 12}" text-anchor="end">{statement}</text>'
+                    f'<rect x="{left}" y="{y}" width="{scale * ratio:.1f}" height="14" fill="{COLOURS["qrylib"]}"/>'
+                    f'<text x="{left + scale * ratio + 5:.1f}" y="{y + 12}">{ratio:.1f}</text>')
+    return svg(width, height, body)
+
+
+def size_plot(times):
+    """Time by number of records, both axes logarithmic."""
+    import math
+    points = {}
+    for (name, size, engine), value in times.items():
+        if size is not None and engine != "sqlite_kept":
+            points.setdefault((name, engine), []).append((size, value))
+    if not points:
+        return None
+    sizes = [s for line in points.values() for s, _ in line]
+    values = [v for line in points.values() for _, v in line]
+    left, top, width, height = 60, 20, 460, 300
+
+    def place(size, value):
+        x = left + width * (math.log(size) - math.log(min(sizes))) / (math.log(max(sizes)) - math.log(min(sizes)))
+        y = top + height * (math.log(max(values)) - math.log(value)) / (math.log(max(values)) - math.log(min(values)))
+        return x, y
+
+    body = []
+    for size in sorted(set(sizes)):
+        x, _ = place(size, min(values))
+        body.append(f'<text x="{x:.0f}" y="{top + height + 18}" text-anchor="middle">{size}</text>')
+    for exponent in range(math.floor(math.log10(min(values))), math.ceil(math.log10(max(values))) + 1):
+        value = 10.0 ** exponent
+        if min(values) <= value <= max(values):
+            _, y = place(min(sizes), value)
+            body.append(f'<line x1="{left}" y1="{y:.0f}" x2="{left + width}" y2="{y:.0f}" stroke="#ddd"/>'
+                        f'<text x="{left - 6}" y="{y + 4:.0f}" text-anchor="end">{value:g} us</text>')
+    dashes = {name: dash for name, dash in zip(sorted({n for n, _ in points}), ("", "6 3", "2 3"))}
+    for (name, engine), line in sorted(points.items()):
+        path = " ".join(f"{x:.1f},{y:.1f}" for x, y in (place(*p) for p in sorted(line)))
+        body.append(f'<polyline points="{path}" fill="none" stroke="{COLOURS[engine]}" stroke-width="2" '
+                    f'stroke-dasharray="{dashes[name]}"/>')
+        x, y = place(*max(line))
+        body.append(f'<text x="{x + 6:.0f}" y="{y + 4:.0f}">{name}, {TITLES[engine]}</text>')
+    return svg(left + width + 230, top + height + 30, body)
+
+
+def table(times, counters, statements):
+    rows = ["| statement | qrylib | SQLite, fresh text | SQLite, kept | fresh / qrylib | kept / qrylib "
+            "| allocations | blocks |", "|---|---:|---:|---:|---:|---:|---:|---:|"]
+    for statement in statements:
+        ours, fresh, kept = (times[statement, None, engine] for engine in ENGINES)
+        allocations, blocks = counters[statement, None, "qrylib"]
+        rows.append(f"| {statement} | {ours:.2f} | {fresh:.2f} | {kept:.2f} | {fresh / ours:.1f} | {kept / ours:.1f} "
+                    f"| {allocations:.0f} | {blocks:.0f} |")
+    return "\n".join(rows)
+
+
+def size_table(times):
+    names = sorted({name for name, size, _ in times if size is not None})
+    rows = ["| statement | records | qrylib | SQLite, fresh text | SQLite, kept | fresh / qrylib |",
+            "|---|---:|---:|---:|---:|---:|"]
+    for name in names:
+        for size in sorted({s for n, s, _ in times if n == name and s is not None}):
+            ours, fresh, kept = (times[name, size, engine] for engine in ENGINES)
+            rows.append(f"| {name} | {size} | {ours:.2f} | {fresh:.2f} | {kept:.2f} | {fresh / ours:.1f} |")
+    return "\n".join(rows)
+
+
+def main():
+    results, docs = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
+    times, counters, machine = load(results)
+    statements = []
+    for name, size, _ in times:
+        if size is None and name not in statements:
+            statements.append(name)
+    (docs / "benchmark-ratios.svg").write_text(ratio_plot(times, statements))
+    sizes = size_plot(times)
+    page = (pathlib.Path(__file__).parent / "benchmarks.in.md").read_text()
+    page = page.replace("@MACHINE@", f"{platform.machine()}, {machine['num_cpus']} cores at {machine['mhz_per_cpu']} MHz")
+    page = page.replace("@TABLE@", table(times, counters, statements))
+    if sizes is not None:
+        (docs / "benchmark-sizes.svg").write_text(sizes)
+        page = page.replace("@SIZES@", size_table(times))
+    (docs / "benchmarks.md").write_text(page)
+
+
+if __name__ == "__main__":
+    main()

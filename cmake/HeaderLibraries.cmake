@@ -1,0 +1,15 @@
+# Header-only libraries. A cross build takes this machine's headers, linked into a folder of their own so that
+# nothing else from beside them is found.
+function(qrylib_find_headers package version target folder)
+  if(NOT CMAKE_CROSSCOMPILING)
+    find_package(${package} ${version} REQUIRED)
+    set_target_properties(${target} PROPERTIES IMPORTED_GLOBAL ON)
+    return()
+  endif()
+  find_path(QRYLIB_${package}_INCLUDE_DIR ${folder} NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+  set(links ${PROJECT_BINARY_DIR}/headers/${package})
+  file(MAKE_DIRECTORY ${links})
+  file(CREATE_LINK ${QRYLIB_${package}_INCLUDE_DIR}/${folder} ${links}/${folder} SYMBOLIC)
+  add_library(${target} INTERFACE IMPORTED GLOBAL)
+  target_include_directories(${target} INTERFACE ${links})
+endfunction()

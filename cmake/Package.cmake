@@ -1,0 +1,63 @@
+# The Debian packages that `cpack --preset package` builds, one for each component. They install under /usr, so
+# the build must be configured for that prefix.
+set(QRYLIB_PACKAGE_MAINTAINER "qrylib maintainers <maintainers@qrylib.invalid>"
+    CACHE STRING "Who answers for the Debian packages: a name and an address")
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_CONTACT ${QRYLIB_PACKAGE_MAINTAINER})
+set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
+                                                WORLD_READ WORLD_EXECUTE)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_GROUPING IGNORE)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+
+# Each package has a first line of its own.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
+
+# The libraries of one package are found by the programs of another through what the first one states of them.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/src ${PROJECT_BINARY_DIR}/platform/host)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libqrylib1)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/triggers)
+set(CPACK_COMPONENT_RUNTIME_DESCRIPTION
+    "SQL-like access to a device's element tables\nThe library, and the workstation platform that stands in for the device.")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libqrylib-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libqrylib1 (= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
+    "SQL-like access to a device's element tables (development files)\nHeaders for C and C++, the platform contract, documents and examples.")
+
+set(CPACK_DEBIAN_SHELL_PACKAGE_NAME qrysh)
+set(CPACK_DEBIAN_SHELL_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_SHELL_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_SHELL_PACKAGE_DEPENDS "libqrylib1 (>= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_SHELL_DESCRIPTION
+    "shell for a device's record stores\nTries queries, shows records and explains trace lines.")
+
+set(CPACK_COMPONENTS_ALL runtime development)
+if(TARGET qrysh)
+  list(APPEND CPACK_COMPONENTS_ALL shell)
+endif()
+
+# Debian's own two documents of each package.
+find_program(QRYLIB_GZIP gzip)
+if(QRYLIB_GZIP)
+  execute_process(COMMAND ${QRYLIB_GZIP} -9nc ${PROJECT_SOURCE_DIR}/cmake/debian/changelog
+                  OUTPUT_FILE ${PROJECT_BINARY_DIR}/changelog.gz COMMAND_ERROR_IS_FATAL ANY)
+  foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+    string(TOUPPER ${component} upper)
+    install(FILES cmake/debian/copyright ${PROJECT_BINARY_DIR}/changelog.gz
+            DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${CPACK_DEBIAN_${upper}_PACKAGE_NAME}
+            COMPONENT ${component})
+  endforeach()
+endif()
+
+include(CPack)

@@ -1,0 +1,139 @@
+// The header's values, the hash of everything that decides where a value lies, and the refusals.
+#include "platform/host/image_header.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "exec/schema/schema.h"
+
+namespace qryhost {
+
+namespace {
+
+constexpr char image_magic[8] = {'Q', 'R', 'Y', 'I', 'M', 'A', 'G', 'E'};
+constexpr std::uint32_t image_version = 1;
+constexpr std::uint32_t own_byte_order = 0x01020304;
+constexpr std::uint32_t other_byte_order = 0x04030201;
+
+// FNV-1a. Numbers count as four bytes from the lowest up, so that the machine does not matter.
+class content_hash {
+  public:
+    void add(std::uint32_t number) {
+        for (int shift = 0; shift < 32; shift += 8) {
+            add_byte(static_cast<std::uint8_t>(number >> shift));
+        }
+    }
+    void add(const char *text) {
+        for (; *text != '\0'; ++text) {
+            add_byte(static_cast<std::uint8_t>(*text));
+        }
+        add_byte(0);
+    }
+    std::uint64_t value() const { return value_; }
+
+  private:
+    void add_byte(std::uint8_t byte) { value_ = (value_ ^ byte) * 0x100000001B3u; }
+
+    std::uint64_t value_ = 0xCBF29CE484222325u;
+};
+
+void add_column(content_hash &hash, const QRY_LIB_ELEMENT_DEF &column) {
+    hash.add(column.info.name);
+    for (const std::uint32_t number :
+         {std::uint32_t{column.is_primary}, column.info.category_id, column.info.element_id,
+          column.info.elem_type, std::uint32_t{column.info.size}, std::uint32_t{column.info.is_member},
+          std::uint32_t{column.info.member_offset}}) {
+        hash.add(number);
+    }
+}
+
+void add_schema(content_hash &hash) {
+    for (const norvane::database_schema *database : norvane::databases) {
+        hash.add(database->name);
+        for (std::uint16_t t = 0; t < database->table_num; ++t) {
+            const QRY_LIB_TABLE_DEF &table = database->tables[t];
+            hash.add(table.table_name);
+            std::for_each(table.elements, table.elements + table.element_num,
+                          [&hash](const QRY_LIB_ELEMENT_DEF &column) { add_column(hash, column); });
+        }
+    }
+}
+
+std::uint64_t layout_hash() {
+    content_hash hash;
+    add_schema(hash);
+    for (const element_place &place : store_layout::get().elements()) {
+        for (const std::uint32_t number : {place.category, place.element, place.offset,
+                                           std::uint32_t{place.size}, std::uint32_t{place.record_num}}) {
+            hash.add(number);
+        }
+    }
+    hash.add(static_cast<std::uint32_t>(sizeof(pthread_mutex_t)));
+    hash.add(memory_shape::get().guard_stride);
+    hash.add(memory_shape::get().region_offset);
+    return hash.value();
+}
+
+// Why `header` is not the one that is expected; null when it is.
+const char *difference(const image_header &header, const image_header &expected) {
+    if (std::memcmp(header.magic, expected.magic, sizeof header.magic) != 0) {
+        return "is no device image";
+    }
+    if (header.byte_order == other_byte_order) {
+        return "is a device image of a machine with the other byte order";
+    }
+    if (header.byte_order != expected.byte_order) {
+        return "is a damaged device image: its byte order is none";
+    }
+    if (header.version != expected.version) {
+        return "is a device image of another format version";
+    }
+    if (header.word_size != expected.word_size) {
+        return "is a device image of a machine with another word size";
+    }
+    if (header.layout_hash != expected.layout_hash) {
+        return "is a device image of another layout: its schema or capacities differ";
+    }
+    if (std::memcmp(&header, &expected, sizeof header) != 0) {
+        return "is a damaged device image: its header is wrong";
+    }
+    return nullptr;
+}
+
+image_header make_header() {
+    image_header header{};
+    std::memcpy(header.magic, image_magic, sizeof header.magic);
+    header.byte_order = own_byte_order;
+    header.version = image_version;
+    header.word_size = sizeof(void *);
+    header.file_size = memory_shape::get().bytes;
+    header.layout_hash = layout_hash();
+    return header;
+}
+
+std::string of_bytes(std::uint64_t found, std::uint64_t expected) {
+    return std::to_string(found) + " of " + std::to_string(expected) + " bytes";
+}
+
+} // namespace
+
+const image_header &expected_header() {
+    static const image_header header = make_header();
+    return header;
+}
+
+void check_header(const std::string &path, const image_header &header, std::uint64_t file_size) {
+    const image_header &expected = expected_header();
+    if (file_size < sizeof(image_header)) {
+        throw refusal(path + ": is too short for a device image: " + of_bytes(file_size, expected.file_size));
+    }
+    if (const char *reason = difference(header, expected)) {
+        throw refusal(path + ": " + reason);
+    }
+    if (file_size != expected.file_size) {
+        throw refusal(path + ": is a damaged device image: it has " +
+                      of_bytes(file_size, expected.file_size));
+    }
+}
+
+} // namespace qryhost

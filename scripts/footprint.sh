@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Measures what the library takes on the device and prints docs/footprint.md: scripts/footprint.sh >docs/footprint.md
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+for preset in firmware device; do
+    cmake --preset "$preset" >/dev/null
+done
+cmake --build --preset firmware >/dev/null
+cmake --build --preset device --target pool_peaks >/dev/null
+
+cat <<'END'
+# Footprint
+
+What the library takes on the device, in bytes: 32-bit PowerPC, built with the preset `firmware` (g++ 12, `-Os`).
+`scripts/footprint.sh` measures it and prints this page.
+
+## Size and stack
+
+The aims, held by the test `footprint` of that preset: text under 163840 (code, constants and unwind tables), no
+stack frame above 16384.
+
+END
+tests/check_footprint.sh build/firmware/src/libqrylib.so build/firmware powerpc-linux-gnu-strip
+cat <<'END'
+
+## Memory partition
+
+Blocks and bytes that one query has taken at its peak, over a full table of 101 departments; a linked SELECT joins it
+with the two edit counters. A statement record's own blocks count, and everything is given back at the end. Each row
+is a block of its own with 3164 bytes for every selected column, so select only the columns that are read.
+
+END
+qemu-ppc -L /usr/powerpc-linux-gnu build/device/tests/pool_peaks

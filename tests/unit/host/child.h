@@ -1,0 +1,62 @@
+// Child processes of a test.
+#pragma once
+
+#include <csignal>
+#include <cstdio>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <utility>
+
+namespace test {
+
+// Runs `work` in a child of fork, which ends with whether work answered true. Nothing of the parent's is
+// cleaned up there: its temporary folders and buffered output stay the parent's.
+class child_process {
+  public:
+    template <typename Work>
+    explicit child_process(Work work) {
+        std::fflush(nullptr);
+        id_ = fork();
+        if (id_ == 0) {
+            const bool good = work();
+            std::fflush(nullptr);
+            _exit(good ? 0 : 1);
+        }
+    }
+    child_process(child_process &&other) noexcept : id_(std::exchange(other.id_, -1)) {}
+    child_process &operator=(child_process &&) = delete;
+    ~child_process() {
+        if (id_ > 0) {
+            kill();
+        }
+    }
+
+    pid_t id() const { return id_; }
+
+    // Waits for the child's end.
+    bool succeeded() {
+        int status = 0;
+        const pid_t child = std::exchange(id_, -1);
+        return child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) &&
+               WEXITSTATUS(status) == 0;
+    }
+
+    // Ends the child wherever it is. False: it had ended before.
+    bool kill() {
+        int status = 0;
+        const pid_t child = std::exchange(id_, -1);
+        ::kill(child, SIGKILL);
+        return waitpid(child, &status, 0) == child && WIFSIGNALED(status);
+    }
+
+  private:
+    pid_t id_ = -1;
+};
+
+template <typename Work>
+bool in_child(Work work) {
+    return child_process(std::move(work)).succeeded();
+}
+
+} // namespace test
