@@ -6,16 +6,16 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <mutex>
 
+#include "platform/host/guard.h"
 #include "platform/host/qryhost.h"
 
 namespace {
 
-std::mutex sink_lock;
-bool sink_is_chosen = false;
-qryhost_trace_sink current_sink = nullptr;
-void *sink_context = nullptr;
+qryhost::guard_mutex sink_lock;
+bool sink_is_chosen QRYLIB_GUARDED_BY(sink_lock) = false;
+qryhost_trace_sink current_sink QRYLIB_GUARDED_BY(sink_lock) = nullptr;
+void *sink_context QRYLIB_GUARDED_BY(sink_lock) = nullptr;
 
 // Flushed line by line: the trace of a process that crashes is the one that is wanted.
 void write_line(void *stream, std::uint32_t, std::uint32_t, std::uint32_t, const char *text) {
@@ -25,7 +25,7 @@ void write_line(void *stream, std::uint32_t, std::uint32_t, std::uint32_t, const
 }
 
 // A file that cannot be opened drops the traces: tracing must not fail. It stays open until the process ends.
-void choose_sink_of_environment() {
+void choose_sink_of_environment() QRYLIB_REQUIRES(sink_lock) {
     sink_is_chosen = true;
     const char *target = std::getenv("QRYLIB_TRACE");
     if (target == nullptr || *target == '\0') {
@@ -40,7 +40,7 @@ void choose_sink_of_environment() {
 extern "C" {
 
 void qryhost_set_trace_sink(qryhost_trace_sink sink, void *context) {
-    const std::lock_guard<std::mutex> hold(sink_lock);
+    const qryhost::guard hold(sink_lock);
     sink_is_chosen = true;
     current_sink = sink;
     sink_context = context;
@@ -53,7 +53,7 @@ void pfwGENTrcPrintf(std::uint32_t destination, std::uint32_t module, std::uint3
     va_start(arguments, format);
     std::vsnprintf(line, sizeof line, format, arguments);
     va_end(arguments);
-    const std::lock_guard<std::mutex> hold(sink_lock);
+    const qryhost::guard hold(sink_lock);
     if (!sink_is_chosen) {
         choose_sink_of_environment();
     }
