@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ pkg-config libgtest-dev libcli11-dev libfmt-dev nlohmann-json3-dev libedit-dev
-    libutf8proc-dev g++-powerpc-linux-gnu qemu-user abigail-tools)
+    libutf8proc-dev g++-powerpc-linux-gnu qemu-user abigail-tools clang clang-tidy cppcheck)
 
 missing=()
 for package in "${packages[@]}"; do

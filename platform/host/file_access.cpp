@@ -117,7 +117,7 @@ std::uint32_t file_call(qryhost_call call, Work work) noexcept {
 // The open files. A file's number is its position plus 1; one lock is enough for files this small.
 class open_files {
   public:
-    open_files() { descriptors_.fill(closed); }
+    open_files() noexcept { descriptors_.fill(closed); }
 
     std::uint32_t open(const fs::path &path, int flags, std::uint32_t &number) {
         const qryhost::guard hold(lock_);

@@ -20,8 +20,8 @@ void *sink_context QRYLIB_GUARDED_BY(sink_lock) = nullptr;
 // Flushed line by line: the trace of a process that crashes is the one that is wanted.
 void write_line(void *stream, std::uint32_t, std::uint32_t, std::uint32_t, const char *text) {
     auto *file = static_cast<std::FILE *>(stream);
-    std::fputs(text, file);
-    std::fflush(file);
+    static_cast<void>(std::fputs(text, file));
+    static_cast<void>(std::fflush(file));
 }
 
 // A file that cannot be opened drops the traces: tracing must not fail. It stays open until the process ends.
@@ -51,7 +51,7 @@ void pfwGENTrcPrintf(std::uint32_t destination, std::uint32_t module, std::uint3
     char line[512];
     std::va_list arguments;
     va_start(arguments, format);
-    std::vsnprintf(line, sizeof line, format, arguments);
+    static_cast<void>(std::vsnprintf(line, sizeof line, format, arguments));
     va_end(arguments);
     const qryhost::guard hold(sink_lock);
     if (!sink_is_chosen) {

@@ -97,6 +97,7 @@ std::int32_t register_service() QRYLIB_REQUIRES(registry.mutex) {
         return 0;
     }
     pool_block cell;
+    // The cell is one pointer, which is meant.  NOLINTNEXTLINE(bugprone-sizeof-expression)
     if (cell.take_zeroed(1, sizeof(handle_node *)) != 0) {
         return no_memory;
     }
