@@ -51,6 +51,7 @@ void pfwGENTrcPrintf(std::uint32_t destination, std::uint32_t module, std::uint3
     char line[512];
     std::va_list arguments;
     va_start(arguments, format);
+    // The analyser does not see va_start.  NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
     static_cast<void>(std::vsnprintf(line, sizeof line, format, arguments));
     va_end(arguments);
     const qryhost::guard hold(sink_lock);

@@ -13,7 +13,7 @@ struct {
     std::atomic<std::uint32_t> skip{0};
     std::atomic<std::uint32_t> times{0};
     std::atomic<bool> quiet_refused{false};
-    std::atomic<std::int64_t> in_use{0};
+    std::atomic<std::int32_t> in_use{0};
 } state;
 
 bool is_refused() {
@@ -110,7 +110,7 @@ bool quiet_request_refused() {
     return state.quiet_refused;
 }
 
-std::int64_t new_in_use() {
+std::int32_t new_in_use() {
     return state.in_use;
 }
 

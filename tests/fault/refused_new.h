@@ -17,6 +17,6 @@ std::uint32_t new_requests();
 bool quiet_request_refused();
 
 // Blocks of operator new now in use.
-std::int64_t new_in_use();
+std::int32_t new_in_use();
 
 } // namespace fault

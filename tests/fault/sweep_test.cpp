@@ -93,7 +93,7 @@ struct outcome {
     std::vector<store_write> writes;
     std::vector<test::return_trace> chain;
     std::uint32_t blocks_taken = 0;
-    std::int64_t new_taken = 0;
+    std::int32_t new_taken = 0;
 };
 
 class sweep : public ::testing::TestWithParam<std::size_t> {
@@ -134,7 +134,7 @@ class sweep : public ::testing::TestWithParam<std::size_t> {
         qryhost_fail_clear();
         const test::lost_blocks_allowed lost;
         const std::uint32_t blocks = qryhost_pool_blocks();
-        const std::int64_t in_use = new_in_use();
+        const std::int32_t in_use = new_in_use();
         arm();
         try {
             result.code = swept().run();
