@@ -121,7 +121,7 @@ def main():
             statements.append(name)
     (docs / "benchmark-ratios.svg").write_text(ratio_plot(times, statements))
     sizes = size_plot(times)
-    page = (pathlib.Path(__file__).parent / "benchmarks.in.md").read_text()
+    page = (pathlib.Path(__file__).parent / "benchmarks.template").read_text()
     page = page.replace("@MACHINE@", f"{platform.machine()}, {machine['num_cpus']} cores at {machine['mhz_per_cpu']} MHz")
     page = page.replace("@TABLE@", table(times, counters, statements))
     if sizes is not None:

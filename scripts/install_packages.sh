@@ -3,7 +3,8 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ pkg-config libgtest-dev libcli11-dev libfmt-dev nlohmann-json3-dev libedit-dev
-    libutf8proc-dev g++-powerpc-linux-gnu qemu-user abigail-tools clang clang-tidy cppcheck)
+    libutf8proc-dev libsqlite3-dev sqlite3 tmux mandoc g++-powerpc-linux-gnu qemu-user abigail-tools clang
+    clang-tidy cppcheck)
 
 missing=()
 for package in "${packages[@]}"; do

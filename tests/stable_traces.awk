@@ -2,9 +2,10 @@
 # the table of trace points stay. First file: that table; second file: what was printed.
 BEGIN { FS = "\t" }
 NR == FNR { fixed[$1 "():" $2]; next }
-match($0, /^[A-Za-z_0-9]+\(\):\[(Enter|Return)\]:\([0-9]+\)/) {
+match($0, /^ *[A-Za-z_0-9]+\(\):\[(Enter|Return)\]:\([0-9]+\)/) {
     point = substr($0, 1, RLENGTH)
     function_name = substr(point, 1, index(point, ":[") - 1)
+    sub(/^ */, "", function_name)
     line = point
     sub(/.*\(/, "", line)
     sub(/\)/, "", line)

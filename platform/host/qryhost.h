@@ -68,6 +68,13 @@ void qryhost_set_trace_sink(qryhost_trace_sink sink, void *context);
 uint32_t qryhost_pool_blocks(void);
 
 /*
+ * The most bytes that those blocks held at once since the last reset, as the workstation's allocator rounds
+ * them. A reset starts from what is held at that moment.
+ */
+uint64_t qryhost_pool_peak_bytes(void);
+void qryhost_pool_reset_peak(void);
+
+/*
  * The calling thread's database handle, as the database-handle service asks the library for it; 0 when the
  * thread has none or no service is registered.
  */

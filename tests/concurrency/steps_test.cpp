@@ -18,7 +18,8 @@ using namespace test;
 // A file's bytes as they are now, without a call to the system: they are looked at after every instruction.
 class watched_file {
   public:
-    explicit watched_file(const std::string &path) : size_(std::filesystem::file_size(path)) {
+    explicit watched_file(const std::string &path)
+        : size_(static_cast<std::size_t>(std::filesystem::file_size(path))) {
         const int file = open(path.c_str(), O_RDONLY);
         base_ = mmap(nullptr, size_, PROT_READ, MAP_SHARED, file, 0);
         EXPECT_NE(base_, MAP_FAILED);

@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
 # Builds the library alone against a porter's platform library, for which the workstation's stands in, and lets the
-# shell run a query on it.
+# README's program run its queries on it.
 #
-# usage: platform_libraries.sh SOURCE_FOLDER COMPILER TOOLCHAIN_FILE PLATFORM_LIBRARY COMMAND... (the shell)
+# usage: platform_libraries.sh SOURCE_FOLDER COMPILER TOOLCHAIN_FILE PLATFORM_LIBRARY C_COMPILER C_FLAGS [EMULATOR...]
 set -euo pipefail
 source=$1
 compiler=$2
 toolchain=$3
 platform=$4
-qrysh=("${@:5}")
+program=("${@:5:2}")
+emulator=("${@:7}")
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
@@ -17,7 +18,5 @@ cmake -S "$source" -B "$scratch" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$toolchain" -D
 cmake --build "$scratch" --target qrylib >/dev/null
 readelf -d "$scratch/src/libqrylib.so.1" | grep -q "NEEDED.*\[$(basename "$platform" | grep -oE '^[^.]*\.so\.[0-9]+')\]"
 
-# The program's own folders come after this variable's.
-export LD_LIBRARY_PATH=$scratch/src
-answer=$("${qrysh[@]}" --fixture "$source/examples/office.json" --mode csv 'SELECT COUNT(*) FROM PSN_TBL')
-[ "$answer" = $'COUNT(*)\r\n10\r' ] || { echo "answered: $answer" >&2; exit 1; }
+"$source/tests/docs/run_program.sh" "$source/README.md" "$source/tests/docs/readme_program.out" "${program[@]}" \
+    "$source/include" "$scratch/src/libqrylib.so" "$platform" "${emulator[@]}"

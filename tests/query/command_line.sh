@@ -32,8 +32,30 @@ expect 0 $'COUNT(\\*)\n--------\n       0\n(1 row)' '' "$count"
 expect 0 $'COUNT(\\*)\n--------\n      10\n(1 row)' '' --fixture "$fixture" "$count"
 expect 0 $'COUNT(\\*)\r\n101\r' '' --fixture "$fixture" --db department_db --mode csv 'SELECT COUNT(*) FROM DEPT_TBL;'
 expect 0 $'\\[\n  {"COUNT(\\*)":0}\n]' '' --mode json "$count"
-expect 0 $'qrysh> .mode csv\nqrysh> SELECT*\nCOUNT(\\*)\r\n0\r' '' --echo '.mode csv' "$count"
+expect 0 $'COUNT(\\*)\r\n0\r' $'qrysh> .mode csv\nqrysh> SELECT*' --echo '.mode csv' "$count"
 expect 0 '' ''
+
+# Lines come from -c, then from -f, then from the arguments behind them; standard input only without any.
+printf 'SELECT COUNT(*) FROM GRP_TBL\n.mode csv\n' >lines.sql
+expect 0 $'COUNT(\\*)\r\n10\r\nCOUNT(\\*)\n--*\n       0\n(1 row)\nCOUNT(\\*)\r\n10\r' '' --fixture "$fixture" \
+    -c '.mode csv' -c "$count" -c '.mode table' -f lines.sql "$count"
+expect 1 '' 'error: missing.sql: *' -f missing.sql
+
+# What is asked for may be refused as a whole.
+expect 1 '' 'error: only SELECT may run*' --readonly 'DELETE FROM PSN_TBL'
+expect 1 '' 'error: only SELECT may run*' --readonly 'UPDATE PSN_TBL SET PSN_ID = 1'
+expect 1 '' 'error: .load changes records*' --readonly '.load x.json'
+expect 1 '' 'error: a sweep of a change*' --readonly '.fault sweep DELETE FROM PSN_TBL'
+expect 0 $'COUNT*' '' --readonly "$count"
+for command in '.load x.json' '.save x.json' '.import x.csv PSN_TBL' '.export x.csv'; do
+    expect 1 '' 'error: .* touches files*' --safe "$command"
+done
+expect 1 '' 'error: .dump to a file touches files*' --safe '.dump x.sql'
+expect 0 '' '' --safe '.dump PSN_TBL'
+
+# --bail stops at the first error.
+expect 1 '' 'error: *' --bail "$refused" "$count"
+expect 1 '' 'error: *' --bail -c "$refused" "$count"
 
 # A failure anywhere is the run's, and later statements still run.
 expect 1 $'COUNT(\\*)\n--------\n       0\n(1 row)' 'error: QRY_LIB_INVALID_ARGUMENT (0xDB05): *' "$refused" "$count"
@@ -46,13 +68,17 @@ expect 1 '' 'error: there is no database "nowhere"*' --db nowhere "$count"
 expect 1 '' 'error: there is no mode "xml"*' --mode xml "$count"
 expect 1 '' 'error: *missing.json*' --fixture missing.json "$count"
 expect 1 '' '*--nothing*' --nothing
-expect 0 '*.schema*INSERT INTO*UPDATE*' '' --help
+expect 0 '*--bail*.help lists the commands*' '' --help
+if [ "$("${qrysh[@]}" --help | wc -l)" -gt 24 ] || [ "$("${qrysh[@]}" --help | wc -L)" -gt 80 ]; then
+    echo "--help does not fit on a screen"
+    failures=$((failures + 1))
+fi
 expect 0 '[0-9]*.[0-9]*.[0-9]*' '' --version
 
 # Device images: created, shared by later runs and by shells at once, examined, refused.
 insert="INSERT INTO PSN_TBL (PSN_ID, PSN_NAME) VALUES (4, 'Ito')"
 name='SELECT PSN_NAME FROM PSN_TBL'
-expect 0 ok '' device.img "$insert"
+expect 0 '' ok device.img "$insert"
 expect 0 $'PSN_NAME\r\nIto\r' '' --mode csv ./device.img "$name"
 expect 0 $'PSN_NAME\r\nIto\r' '' --mode csv --image device.img "$name"
 expect 0 $'PSN_NAME\r' '' --mode csv "$name"
@@ -71,7 +97,7 @@ coproc waiting { "${qrysh[@]}" --mode csv device.img 2>&1; }
 echo "$name" >&"${waiting[1]}"
 read -r -u "${waiting[0]}" _
 read -r -u "${waiting[0]}" before
-expect 0 ok '' device.img "UPDATE PSN_TBL SET PSN_NAME = 'Mori' WHERE PSN_ID = 4"
+expect 0 '' ok device.img "UPDATE PSN_TBL SET PSN_NAME = 'Mori' WHERE PSN_ID = 4"
 echo "$name" >&"${waiting[1]}"
 read -r -u "${waiting[0]}" _
 read -r -u "${waiting[0]}" after
@@ -100,5 +126,10 @@ if "${qrysh[@]}" "$count" >/dev/full 2>err; then
     echo "a full output went unnoticed"
     failures=$((failures + 1))
 fi
+
+# What a statement cost is said beside its answer, and also of one that is refused.
+expect 0 $'COUNT*' 'time 0.?????? s; 1 rows; * blocks, at most * bytes at once; calls: alloc *' '.timer on' "$count"
+expect 1 '' $'error: *\ntime 0.?????? s; 0 rows; *' '.timer on' "$refused"
+expect 0 $'COUNT*' '' '.timer on' '.timer off' "$count"
 
 [ "$failures" -eq 0 ]

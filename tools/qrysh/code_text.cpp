@@ -4,8 +4,6 @@
 #include <qrylib/types.h>
 #include <qrylib/version.h>
 
-#include <string_view>
-
 #include <fmt/format.h>
 
 namespace qrysh {
@@ -32,13 +30,19 @@ constexpr code_row code_names[] = {{QRY_LIB_OK, "QRY_LIB_OK"},
 
 } // namespace
 
-std::string describe_code(std::uint32_t code) {
+std::string_view code_name(std::uint32_t code) {
     for (const code_row &row : code_names) {
         if (row.code == code) {
-            return fmt::format("{} (0x{:04X}): {}", row.name, code, qry_lib_code_text(code));
+            return row.name;
         }
     }
-    return fmt::format("code 0x{:04X}: {}", code, qry_lib_code_text(code));
+    return {};
+}
+
+std::string describe_code(std::uint32_t code) {
+    const std::string_view name = code_name(code);
+    return name.empty() ? fmt::format("code 0x{:04X}: {}", code, qry_lib_code_text(code))
+                        : fmt::format("{} (0x{:04X}): {}", name, code, qry_lib_code_text(code));
 }
 
 } // namespace qrysh

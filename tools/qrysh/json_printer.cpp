@@ -29,4 +29,12 @@ std::string format_json(const result &answer) {
     return out + "\n]\n";
 }
 
+std::string format_jsonl(const result &answer) {
+    std::string out;
+    for (const std::vector<cell> &row : answer.rows) {
+        out += json_row(answer.titles, row) + '\n';
+    }
+    return out;
+}
+
 } // namespace qrysh

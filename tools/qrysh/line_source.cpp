@@ -1,9 +1,12 @@
-// Lines from the arguments or from standard input.
+// Lines from arguments, from a file or from standard input.
 #include "tools/qrysh/line_source.h"
 
 #include <unistd.h>
 
+#include <cerrno>
+#include <fstream>
 #include <iostream>
+#include <system_error>
 
 namespace qrysh {
 
@@ -24,22 +27,56 @@ class argument_lines : public line_source {
 
 class stream_lines : public line_source {
   public:
+    explicit stream_lines(std::istream &stream, std::string name) : stream_(stream), name_(std::move(name)) {}
+
     std::optional<std::string> next() override {
         std::string line;
-        return std::getline(std::cin, line) ? std::optional(std::move(line)) : std::nullopt;
+        errno = 0;
+        if (std::getline(stream_, line)) {
+            return line;
+        }
+        if (stream_.bad()) {
+            throw std::system_error(errno, std::generic_category(), name_);
+        }
+        return std::nullopt;
     }
+
+  private:
+    std::istream &stream_;
+    std::string name_;
+};
+
+class file_lines : public line_source {
+  public:
+    explicit file_lines(const std::string &path) : file_(path), lines_(file_, path) {
+        if (!file_) {
+            throw std::system_error(errno, std::generic_category(), path);
+        }
+        file_.exceptions(std::ios::badbit); // a folder opens, but cannot be read
+    }
+
+    std::optional<std::string> next() override { return lines_.next(); }
+
+  private:
+    std::ifstream file_;
+    stream_lines lines_;
 };
 
 } // namespace
 
-std::unique_ptr<line_source> open_lines(const std::vector<std::string> &arguments) {
-    if (!arguments.empty()) {
-        return std::make_unique<argument_lines>(arguments);
-    }
+std::unique_ptr<line_source> open_arguments(const std::vector<std::string> &arguments) {
+    return std::make_unique<argument_lines>(arguments);
+}
+
+std::unique_ptr<line_source> open_file(const std::string &path) {
+    return std::make_unique<file_lines>(path);
+}
+
+std::unique_ptr<line_source> open_input(completer complete_line) {
     if (isatty(STDIN_FILENO) != 0) {
-        return open_prompt();
+        return open_prompt(std::move(complete_line));
     }
-    return std::make_unique<stream_lines>();
+    return std::make_unique<stream_lines>(std::cin, "standard input");
 }
 
 } // namespace qrysh

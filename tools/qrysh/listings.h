@@ -7,9 +7,6 @@
 
 namespace qrysh {
 
-bool database_exists(const std::string &db_name);
-bool table_exists(const std::string &db_name, const std::string &table_name);
-
 result list_databases();
 result list_tables(const std::string &db_name);
 

@@ -5,6 +5,7 @@
 
 #include "tools/qrysh/line_source.h"
 #include "tools/qrysh/options.h"
+#include "tools/qrysh/output.h"
 #include "tools/qrysh/session.h"
 
 namespace {
@@ -12,12 +13,16 @@ namespace {
 using namespace qrysh;
 
 bool set_up(session &shell, const options &chosen) {
-    shell.set_echo(chosen.echo);
+    settings &set = shell.options();
+    set.mode = output_is_terminal() ? output_mode::box : output_mode::table;
+    set.echo = chosen.echo;
+    set.readonly = chosen.readonly;
+    set.safe = chosen.safe;
     if (!chosen.image.empty() && shell.open(chosen.image) == outcome::failed) {
         return false;
     }
     if (chosen.trace) {
-        shell.set_trace(true);
+        shell.traces().set_printing(true);
     }
     if (!chosen.db.empty() && shell.use_database(chosen.db) == outcome::failed) {
         return false;
@@ -28,17 +33,41 @@ bool set_up(session &shell, const options &chosen) {
     return chosen.fixture.empty() || shell.load(chosen.fixture) != outcome::failed;
 }
 
-// The exit status: 1 when any line failed.
-int run_lines(session &shell, line_source &lines) {
-    int status = 0;
+// In the order in which they are read.
+std::vector<std::unique_ptr<line_source>> open_sources(session &shell, const options &chosen) {
+    std::vector<std::unique_ptr<line_source>> sources;
+    if (!chosen.commands.empty()) {
+        sources.push_back(open_arguments(chosen.commands));
+    }
+    if (!chosen.file.empty()) {
+        sources.push_back(open_file(chosen.file));
+    }
+    if (!chosen.statements.empty()) {
+        sources.push_back(open_arguments(chosen.statements));
+    }
+    if (sources.empty()) {
+        sources.push_back(open_input([&shell](std::string_view line, std::size_t cursor) {
+            return complete(shell.database(), line, cursor);
+        }));
+    }
+    return sources;
+}
+
+// How reading the lines ended: quit, failed for good, or done.
+outcome run_lines(session &shell, line_source &lines, bool bail, int &status) {
     while (const std::optional<std::string> line = lines.next()) {
         const outcome answer = shell.run(*line);
         if (answer == outcome::quit) {
-            break;
+            return answer;
         }
-        status |= answer == outcome::failed ? 1 : 0;
+        if (answer == outcome::failed) {
+            status = 1;
+            if (bail) {
+                return answer;
+            }
+        }
     }
-    return status;
+    return outcome::done;
 }
 
 int run(int argc, char **argv) {
@@ -53,7 +82,13 @@ int run(int argc, char **argv) {
     if (!set_up(shell, chosen)) {
         return 1;
     }
-    return run_lines(shell, *open_lines(chosen.statements));
+    int status = 0;
+    for (const std::unique_ptr<line_source> &lines : open_sources(shell, chosen)) {
+        if (run_lines(shell, *lines, chosen.bail, status) != outcome::done) {
+            break;
+        }
+    }
+    return status;
 }
 
 } // namespace

@@ -7,8 +7,6 @@
 #include <CLI/CLI.hpp>
 #include <qrylib/version.h>
 
-#include "tools/qrysh/commands.h"
-
 namespace qrysh {
 
 namespace {
@@ -37,21 +35,25 @@ void take_image(options &chosen) {
 options parse_options(int argc, char **argv) {
     options chosen;
     CLI::App app("Asks and changes the records of a simulated device.", "qrysh");
-    app.add_option("--image", chosen.image, "open this device image; it is created when it is not there")
-        ->option_text("FILE");
-    app.add_option("--check", chosen.check, "examine this device image, change nothing and end")
-        ->option_text("FILE");
-    app.add_option("--fixture", chosen.fixture, "load records from this JSON file first")
-        ->option_text("FILE");
-    app.add_option("--db", chosen.db, "send statements to this database (adbk_db)")->option_text("NAME");
-    app.add_option("--mode", chosen.mode, "print answers as table, csv or json (table)")->option_text("MODE");
-    app.add_flag("--trace", chosen.trace, "print the library's trace, with causes, to standard error");
+    app.get_formatter()->column_width(24);
+    app.add_option("SQL", chosen.statements, "lines to run, or an image first; standard input if none");
+    app.add_option("-c", chosen.commands, "run this line; may be repeated")
+        ->option_text("SQL")
+        ->allow_extra_args(false);
+    app.add_option("-f", chosen.file, "run a file's lines")->option_text("FILE");
+    app.add_option("--image", chosen.image, "open a device image, new if not there")->option_text("FILE");
+    app.add_option("--check", chosen.check, "examine a device image and end")->option_text("FILE");
+    app.add_option("--fixture", chosen.fixture, "load records from a JSON file first")->option_text("FILE");
+    app.add_option("--db", chosen.db, "database of the statements (adbk_db)")->option_text("NAME");
+    app.add_option("--mode", chosen.mode, "form of the answers (box or table)")->option_text("MODE");
+    app.add_flag("--bail", chosen.bail, "stop at the first error");
+    app.add_flag("--readonly", chosen.readonly, "refuse whatever changes records");
+    app.add_flag("--safe", chosen.safe, "refuse commands that touch files");
+    app.add_flag("--trace", chosen.trace, "print the library's trace, with causes");
     app.add_flag("--echo", chosen.echo, "print each line above its answer");
-    app.add_option("SQL", chosen.statements,
-                   "statements and commands; read from standard input if none. The first may be the device "
-                   "image: a word without blanks that has a \"/\", ends in .img or names a file");
     app.set_version_flag("--version", qry_lib_version());
-    app.footer(command_help());
+    app.footer("A line is a statement (SELECT, INSERT, UPDATE, DELETE FROM, DROP TABLE) or a\n"
+               "command: .help lists the commands, .schema the columns. See also qrysh(1).");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

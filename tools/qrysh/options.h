@@ -12,9 +12,14 @@ struct options {
     std::string fixture;
     std::string db;
     std::string mode;
+    std::vector<std::string> commands; // -c, before the file's lines
+    std::string file;
+    std::vector<std::string> statements; // after them
     bool trace = false;
     bool echo = false;
-    std::vector<std::string> statements;
+    bool bail = false;
+    bool readonly = false;
+    bool safe = false;
     int exit_status = -1; // 0 or above: everything has been said, for example by --help
 };
 

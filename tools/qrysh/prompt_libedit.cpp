@@ -1,10 +1,13 @@
-// A prompt with line editing and a history of the session.
+// A prompt with line editing, completion, and a history that is kept between runs.
 #include <histedit.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <stdexcept>
 
+#include "tools/qrysh/interrupt.h"
 #include "tools/qrysh/line_source.h"
+#include "tools/qrysh/output.h"
 
 namespace qrysh {
 
@@ -14,6 +17,14 @@ constexpr int history_length = 500;
 
 const char *prompt_of(EditLine * /*editor*/) {
     return prompt_text;
+}
+
+std::string history_path() {
+    if (const char *const chosen = std::getenv("QRYSH_HISTORY")) {
+        return chosen;
+    }
+    const char *const home = std::getenv("HOME");
+    return home == nullptr || *home == '\0' ? "" : std::string(home) + "/.qrysh_history";
 }
 
 struct editor_closer {
@@ -26,26 +37,57 @@ struct history_closer {
 
 class libedit_prompt : public line_source {
   public:
-    libedit_prompt() : history_(history_init()), editor_(el_init("qrysh", stdin, stdout, stderr)) {
+    explicit libedit_prompt(completer complete_line)
+        : complete_(std::move(complete_line)), path_(history_path()), history_(history_init()),
+          editor_(el_init("qrysh", stdin, stdout, stderr)) {
         if (!history_ || !editor_) {
             throw std::runtime_error("the terminal cannot be used for line editing");
         }
         history(history_.get(), &event_, H_SETSIZE, history_length);
-        el_set(editor_.get(), EL_PROMPT, prompt_of);
-        el_set(editor_.get(), EL_EDITOR, "emacs");
-        el_set(editor_.get(), EL_HIST, history, history_.get());
-        el_source(editor_.get(), nullptr);
+        history(history_.get(), &event_, H_SETUNIQUE, 1);
+        if (!path_.empty()) {
+            history(history_.get(), &event_, H_LOAD, path_.c_str());
+        }
+        set_up_editor();
+        catch_interrupts();
     }
 
     std::optional<std::string> next() override {
-        int length = 0;
-        const char *const typed = el_gets(editor_.get(), &length);
-        if (typed == nullptr || length <= 0) {
-            return std::nullopt;
+        for (;;) {
+            int length = 0;
+            take_interrupt(); // one that came before, while an answer was shown, is not this line's
+            const char *const typed = el_gets(editor_.get(), &length);
+            if (take_interrupt()) {
+                el_reset(editor_.get());
+                print("\n");
+                continue;
+            }
+            if (typed == nullptr || length <= 0) {
+                print("\n"); // what is said next stands on a line of its own
+                return std::nullopt;
+            }
+            return keep(std::string(typed, static_cast<std::size_t>(length)));
         }
-        std::string line(typed, static_cast<std::size_t>(length));
+    }
+
+  private:
+    void set_up_editor() {
+        el_set(editor_.get(), EL_CLIENTDATA, this);
+        el_set(editor_.get(), EL_PROMPT, prompt_of);
+        el_set(editor_.get(), EL_EDITOR, "emacs");
+        el_set(editor_.get(), EL_HIST, history, history_.get());
+        el_set(editor_.get(), EL_ADDFN, "qrysh-complete", "Complete the word", complete_word);
+        el_set(editor_.get(), EL_BIND, "^I", "qrysh-complete", nullptr);
+        el_source(editor_.get(), nullptr);
+    }
+
+    // Written after every line, so that a shell that is killed loses none.
+    std::string keep(std::string line) {
         if (line.find_first_not_of(" \n") != std::string::npos) {
             history(history_.get(), &event_, H_ENTER, line.c_str());
+            if (!path_.empty()) {
+                history(history_.get(), &event_, H_SAVE, path_.c_str());
+            }
         }
         if (line.back() == '\n') {
             line.pop_back();
@@ -53,7 +95,40 @@ class libedit_prompt : public line_source {
         return line;
     }
 
-  private:
+    // Replaces the word by what all candidates begin with; lists them where that adds nothing.
+    static unsigned char complete_word(EditLine *editor, int /*key*/) {
+        libedit_prompt *prompt = nullptr;
+        el_get(editor, EL_CLIENTDATA, &prompt);
+        const LineInfo *const info = el_line(editor);
+        const std::string line(info->buffer, info->lastchar);
+        const auto cursor = static_cast<std::size_t>(info->cursor - info->buffer);
+        const completion found = prompt->complete_(line, cursor);
+        if (found.candidates.empty()) {
+            return CC_ERROR;
+        }
+        const std::string word = line.substr(found.word_begin, cursor - found.word_begin);
+        std::string start = common_start(found.candidates);
+        if (found.candidates.size() == 1) {
+            start += ' ';
+        } else if (start.size() <= word.size()) {
+            list(found.candidates);
+            return CC_REDISPLAY;
+        }
+        el_deletestr(editor, static_cast<int>(word.size()));
+        el_insertstr(editor, start.c_str());
+        return CC_REFRESH;
+    }
+
+    static void list(const std::vector<std::string> &candidates) {
+        std::string text = "\n";
+        for (const std::string &candidate : candidates) {
+            text += candidate + "  ";
+        }
+        print(text + '\n');
+    }
+
+    completer complete_;
+    std::string path_;
     HistEvent event_{};
     // The editor reads the history until its own end, so it goes first: members are destroyed from below.
     std::unique_ptr<History, history_closer> history_;
@@ -62,8 +137,8 @@ class libedit_prompt : public line_source {
 
 } // namespace
 
-std::unique_ptr<line_source> open_prompt() {
-    return std::make_unique<libedit_prompt>();
+std::unique_ptr<line_source> open_prompt(completer complete_line) {
+    return std::make_unique<libedit_prompt>(std::move(complete_line));
 }
 
 } // namespace qrysh

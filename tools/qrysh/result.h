@@ -15,6 +15,7 @@ using cell = std::variant<std::int64_t, std::string>;
 struct result {
     std::vector<std::string> titles;
     std::vector<std::vector<cell>> rows;
+    std::string table = {}; // what the rows are records of; may be empty
 };
 
 } // namespace qrysh

@@ -1,46 +1,30 @@
-// Dispatch of lines, and the way of each kind of statement into the library and back.
+// Dispatch of lines, and what is said of each statement.
 #include "tools/qrysh/session.h"
 
-#include <qrylib/query.h>
+#include <qrylib/types.h>
 
-#include <cerrno>
-#include <cstdio>
-#include <system_error>
+#include <new>
 
 #include <fmt/format.h>
 
 #include "platform/host/qryhost.h"
 #include "tools/qrysh/code_text.h"
 #include "tools/qrysh/commands.h"
-#include "tools/qrysh/listings.h"
-#include "tools/qrysh/result_reader.h"
-#include "tools/qrysh/statement_builder.h"
+#include "tools/qrysh/diagnosis.h"
+#include "tools/qrysh/engine.h"
+#include "tools/qrysh/meter.h"
+#include "tools/qrysh/near_match.h"
+#include "tools/qrysh/output.h"
+#include "tools/qrysh/schema.h"
+#include "tools/qrysh/statement_text.h"
 #include "tools/qrysh/text.h"
-#include "tools/qrysh/trace_explainer.h"
 
 namespace qrysh {
 
 namespace {
 
-void print_trace(void * /*context*/, std::uint32_t /*destination*/, std::uint32_t /*module*/,
-                 std::uint32_t /*level*/, const char *text) {
-    fmt::print(stderr, "{}\n", explain_trace(text));
-}
-
 void print_finding(void * /*context*/, int is_damage, const char *text) {
     print(fmt::format("{}: {}\n", is_damage != 0 ? "damage" : "note", printable(text)));
-}
-
-std::string first_word_in_capitals(std::string_view text) {
-    std::string word;
-    for (const char c : text) {
-        const bool is_lower = c >= 'a' && c <= 'z';
-        if (!is_lower && (c < 'A' || c > 'Z')) {
-            break;
-        }
-        word += is_lower ? static_cast<char>(c - 'a' + 'A') : c;
-    }
-    return word;
 }
 
 // The statement itself: one ";" behind it is the shell's. All else stays, blanks at the end included, since
@@ -56,18 +40,12 @@ outcome report_host(int result) {
 
 } // namespace
 
-void print(std::string_view text) {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
-        throw std::system_error(errno, std::generic_category(), "standard output");
-    }
-}
-
 outcome session::run(std::string_view line) {
     if (!line.empty() && line.back() == '\r') {
         line.remove_suffix(1);
     }
-    if (echo_) {
-        print(line.empty() ? "\n" : fmt::format("qrysh> {}\n", line));
+    if (settings_.echo) {
+        say(line.empty() ? "\n" : fmt::format("qrysh> {}\n", line));
     }
     const std::string_view text = trim(line);
     if (text.empty() || text.substr(0, 2) == "--") {
@@ -79,59 +57,60 @@ outcome session::run(std::string_view line) {
     if (text.front() == '.') {
         return run_command(*this, text);
     }
-    return run_statement(std::string(without_semicolon(line)));
+    const std::string sql(without_semicolon(line));
+    return trim(sql).empty() ? outcome::done : run_statement(sql);
 }
 
-// The case of the first word does not matter here: whoever reads the text then, the library or the shell's
-// own grammar, refuses what is not in capitals and says so.
 outcome session::run_statement(const std::string &sql) {
-    if (trim(sql).empty()) {
-        return outcome::done;
+    if (settings_.readonly && kind_of(sql) != statement_kind::select) {
+        return fail("only SELECT may run: the shell was started with --readonly");
     }
-    const std::string word = first_word_in_capitals(trim(sql));
-    if (word == "SELECT") {
-        return run_select(sql);
-    }
-    if (word == "INSERT" || word == "UPDATE") {
-        return run_write(sql);
-    }
-    statement bound(database_);
-    return finish(qry_lib_db_exec(bound.get(), sql.c_str()));
-}
-
-outcome session::run_select(const std::string &sql) {
-    statement bound(database_);
-    rowset rows;
-    const std::uint32_t code = qry_lib_db_exec_query(bound.get(), sql.c_str(), rows.get());
-    if (code != QRY_LIB_OK) {
-        return fail(describe_code(code));
-    }
-    show(read_result(*rows.get(), sql));
-    return outcome::done;
-}
-
-outcome session::run_write(const std::string &sql) {
+    traces_.clear();
     try {
-        statement record(database_, parse_write_statement(sql));
-        return finish(qry_lib_db_stmt_exec(record.get()));
+        return run_and_show(sql);
     } catch (const syntax_error &error) {
-        return fail(error.what());
+        fail(error.what());
+        say(point_at(sql, {error.place() - 1, 1, ""}));
+        return outcome::failed;
+    } catch (const std::bad_alloc &) { // the statement's record could not be built
+        return report(sql, QRY_LIB_NO_MEMORY);
     }
 }
 
-outcome session::finish(std::uint32_t code) const {
-    if (code != QRY_LIB_OK) {
-        return fail(describe_code(code));
+outcome session::run_and_show(const std::string &sql) {
+    const meter cost;
+    const reply answer = execute(database_, sql);
+    const std::string spent =
+        settings_.timer ? cost.describe(answer.rows ? answer.rows->rows.size() : 0) : "";
+    if (answer.code != QRY_LIB_OK) {
+        report(sql, answer.code);
+    } else if (answer.rows) {
+        show(*answer.rows);
+    } else if (is_for_people(settings_.mode)) {
+        say("ok\n");
     }
-    if (mode_ == output_mode::table) {
-        print("ok\n");
+    say(spent);
+    return answer.code == QRY_LIB_OK ? outcome::done : outcome::failed;
+}
+
+outcome session::report(const std::string &sql, std::uint32_t code) {
+    fail(describe_code(code));
+    if (!traces_.is_printing()) {
+        say(explain_failure(traces_.lines()));
     }
-    return outcome::done;
+    const trace_log::pause quiet(traces_);
+    if (const std::optional<finding> place = diagnose(database_, sql, code, traces_.lines())) {
+        say(point_at(sql, *place));
+    }
+    return outcome::failed;
 }
 
 outcome session::use_database(const std::string &name) {
     if (!database_exists(name)) {
-        return fail(fmt::format("there is no database \"{}\"; .databases lists them", printable(name)));
+        return fail(fmt::format("there is no database \"{}\"{}", printable(name),
+                                nearest(name, database_names()).empty()
+                                    ? "; .databases lists them"
+                                    : did_you_mean(name, database_names())));
     }
     database_ = name;
     return outcome::done;
@@ -140,10 +119,9 @@ outcome session::use_database(const std::string &name) {
 outcome session::use_mode(const std::string &name) {
     const std::optional<output_mode> mode = mode_named(name);
     if (!mode) {
-        return fail(
-            fmt::format("there is no mode \"{}\"; the modes are table, csv and json", printable(name)));
+        return fail(fmt::format("there is no mode \"{}\"; the modes are {}", printable(name), mode_names()));
     }
-    mode_ = *mode;
+    settings_.mode = *mode;
     return outcome::done;
 }
 
@@ -163,16 +141,13 @@ outcome session::check(const std::string &image_path) {
     return report_host(qryhost_check(image_path.c_str(), print_finding, nullptr));
 }
 
-void session::set_trace(bool on) {
-    qryhost_set_trace_sink(on ? print_trace : nullptr, nullptr);
-}
-
-void session::show(const result &answer) const {
-    print(format_result(mode_, answer));
+void session::show(const result &answer) {
+    present(format_result(settings_.mode, answer));
+    last_answer_ = answer;
 }
 
 outcome session::fail(std::string_view sentence) {
-    fmt::print(stderr, "error: {}\n", sentence);
+    say(fmt::format("error: {}\n", sentence));
     return outcome::failed;
 }
 

@@ -13,7 +13,7 @@
 namespace qrysh {
 
 syntax_error::syntax_error(std::size_t place, const std::string &sentence)
-    : std::runtime_error(fmt::format("at character {}: {}", place, sentence)) {}
+    : std::runtime_error(fmt::format("at character {}: {}", place, sentence)), place_(place) {}
 
 namespace {
 

@@ -35,6 +35,10 @@ struct write_statement {
 class syntax_error : public std::runtime_error {
   public:
     syntax_error(std::size_t place, const std::string &sentence);
+    std::size_t place() const { return place_; }
+
+  private:
+    std::size_t place_;
 };
 
 // Throws syntax_error.

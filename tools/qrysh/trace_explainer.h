@@ -12,4 +12,7 @@ std::string_view trace_cause(std::string_view function, int line);
 // The trace line without its line end, its cause behind it where there is one.
 std::string explain_trace(std::string_view trace_line);
 
+// "function:line" of a trace line; the function alone where the line is not fixed, since any edit moves it.
+std::string trace_point_name(std::string_view trace_line);
+
 } // namespace qrysh

@@ -1,0 +1,128 @@
+#!/usr/bin/env bash
+# The shell at a terminal: editing, history between runs, completion, paging, Ctrl-C, Ctrl-D, .watch. tmux is the
+# terminal; what it shows is compared.
+#
+# usage: terminal.sh COMMAND... (the shell's full path)
+set -euo pipefail
+qrysh=("$@")
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+
+scratch=$(mktemp -d)
+export LC_ALL=C.UTF-8 TERM=screen HOME=$scratch EDITRC=/dev/null PAGER= QRYSH_HISTORY=$scratch/history
+run=0
+terminal() { tmux -u -f /dev/null -S "$scratch/socket$run" "$@"; }
+trap 'terminal kill-server 2>/dev/null || true; rm -rf "$scratch"' EXIT
+
+screen() { terminal capture-pane -p -J -t shell; }
+
+# Waits until the screen holds a line that matches; shows the screen and gives up after ten seconds.
+expect() {
+    for _ in $(seq 200); do
+        if screen | grep -qE -- "$1"; then
+            return
+        fi
+        sleep 0.05
+    done
+    printf 'the screen does not show: %s\n' "$1"
+    screen
+    exit 1
+}
+
+start() {
+    terminal kill-server 2>/dev/null || true
+    run=$((run + 1)) # a server of its own: the one before may still be leaving
+    terminal new-session -d -s shell -x 100 -y 24 \
+        "$(printf '%q ' env "$@" "${qrysh[@]}" --fixture "$root/examples/office.json"); echo \"left with \$?\"; read -r"
+    expect '^qrysh>'
+}
+keys() { terminal send-keys -t shell "$@"; }
+type_line() { terminal send-keys -t shell -l "$1" && keys Enter; }
+
+# A box is the default, and Japanese text stands in columns of the right width.
+start
+type_line 'SELECT PSN_ID, PSN_NAME FROM PSN_TBL WHERE PSN_ID < 3'
+expect '^│      2 │ 鈴木 花子  │$'
+expect '^\(2 rows\)$'
+
+# A line can be edited before it is sent.
+terminal send-keys -t shell -l 'ELECT COUNT(*) FROM PSN_TBL'
+keys C-a
+terminal send-keys -t shell -l S
+keys Enter
+expect '^│       10 │$'
+
+# Completion: a table, a column of the table named, a command; several candidates are listed.
+terminal send-keys -t shell -l 'SELECT psn_k'
+keys Tab
+expect 'SELECT PSN_KANA $'
+terminal send-keys -t shell -l 'FROM PSN_T'
+keys Tab
+expect 'SELECT PSN_KANA FROM PSN_TBL $'
+keys C-u
+terminal send-keys -t shell -l '.data'
+keys Tab
+expect '^qrysh> .databases'
+keys C-u
+terminal send-keys -t shell -l '.e'
+keys Tab
+expect '^\.echo  \.explain  \.export'
+
+# Ctrl-C drops the line, and what is typed then is read alone.
+keys C-u
+terminal send-keys -t shell -l 'DELETE FROM'
+keys C-c
+expect '^qrysh> DELETE FROM'
+type_line '.help .quit'
+expect '^\.quit  leave the shell$'
+
+# Ctrl-C ends .watch, and not the shell.
+type_line '.watch 0.1 SELECT COUNT(*) FROM GRP_TBL'
+expect '^-- 3, every 0.1 s'
+keys C-c
+sleep 0.3
+keys C-l
+type_line '.help .watch'
+expect '^\.watch SECONDS SQL  repeat'
+
+# Ctrl-D leaves.
+keys C-d
+expect '^left with 0$'
+
+# The lines of the run before are there.
+start
+keys Up
+expect '^qrysh> \.help \.watch *$'
+keys Up
+keys Up
+expect '^qrysh> \.help \.quit *$'
+keys C-u
+type_line '.quit'
+expect '^left with 0$'
+
+# A long answer goes through the pager, a short one does not.
+start "PAGER=sed -e 's/^/paged: /' -e 10q"
+type_line 'SELECT COUNT(*) FROM PSN_TBL'
+expect '^│       10 │$'
+type_line '.help'
+expect '^paged: \.databases'
+type_line '.quit'
+expect '^left with 0$'
+
+# Ctrl-C while an answer is paged does not cost the next line.
+start PAGER='echo paging; sleep 1; cat >/dev/null'
+type_line '.help'
+expect '^paging$'
+keys C-c
+type_line '.help .quit'
+expect '^\.quit  leave the shell$'
+
+# A pager that is not there loses no answer.
+start PAGER=no-such-pager
+type_line '.db department_db'
+type_line 'SELECT ID FROM DEPT_TBL'
+expect '^\(101 rows\)$'
+
+# Without a folder for the history the shell still works.
+start QRYSH_HISTORY=/nowhere/history
+type_line '.help .quit'
+expect '^\.quit  leave the shell$'

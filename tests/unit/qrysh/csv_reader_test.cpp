@@ -1,0 +1,73 @@
+// Comma-separated values with the places of their fields.
+#include "tools/qrysh/csv_reader.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using qrysh::csv_error;
+using qrysh::csv_field;
+using qrysh::read_csv;
+using rows = std::vector<std::vector<std::string>>;
+
+rows texts(std::string_view csv) {
+    rows all;
+    for (const std::vector<csv_field> &row : read_csv(csv)) {
+        std::vector<std::string> &line = all.emplace_back();
+        for (const csv_field &field : row) {
+            line.push_back(field.text);
+        }
+    }
+    return all;
+}
+
+// "line:column" of the fault.
+std::string fault(std::string_view csv) {
+    try {
+        read_csv(csv);
+    } catch (const csv_error &error) {
+        return std::to_string(error.place().line) + ':' + std::to_string(error.place().column);
+    }
+    return "none";
+}
+
+TEST(CsvReader, RowsEndInEitherLineEnd) {
+    EXPECT_EQ(texts("A,B\n1,2\r\n3,4"), (rows{{"A", "B"}, {"1", "2"}, {"3", "4"}}));
+    EXPECT_EQ(texts("A\n"), (rows{{"A"}}));
+    EXPECT_EQ(texts(""), rows{});
+}
+
+TEST(CsvReader, FieldsMayBeEmpty) {
+    EXPECT_EQ(texts(",\n\n,,"), (rows{{"", ""}, {""}, {"", "", ""}}));
+    EXPECT_EQ(texts("\"\""), (rows{{""}}));
+}
+
+TEST(CsvReader, QuotesHoldCommasQuotesAndLineEnds) {
+    EXPECT_EQ(texts("\"a,b\",\"c\"\"d\",\"e\r\nf\"\ng"), (rows{{"a,b", "c\"d", "e\r\nf"}, {"g"}}));
+}
+
+TEST(CsvReader, AByteOrderMarkIsSkipped) {
+    EXPECT_EQ(texts("\xEF\xBB\xBF\"A\",B"), (rows{{"A", "B"}}));
+}
+
+TEST(CsvReader, ALoneCarriageReturnIsText) {
+    EXPECT_EQ(texts("a\rb\n"), (rows{{"a\rb"}}));
+}
+
+TEST(CsvReader, PlacesCountCharactersAndLines) {
+    const auto read = read_csv("鈴木,B\n\"x\ny\",D");
+    EXPECT_EQ(read[0][1].place.column, 4U);
+    EXPECT_EQ(read[1][0].place.line, 2U);
+    EXPECT_EQ(read[1][1].place.line, 3U);
+    EXPECT_EQ(read[1][1].place.column, 4U);
+}
+
+TEST(CsvReader, WhatIsNoCsvIsRefusedAtItsPlace) {
+    EXPECT_EQ(fault("A\n1,\"x"), "2:3");
+    EXPECT_EQ(fault("A\n\"x\"y"), "2:4");
+    EXPECT_EQ(fault("a\"b"), "1:2");
+    EXPECT_EQ(fault("\"a\"\rb"), "1:5");
+    EXPECT_EQ(fault("\"a\"\"b\""), "none");
+}
+
+} // namespace

@@ -1,0 +1,24 @@
+// Commands' arguments taken apart.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qrysh {
+
+std::vector<std::string> split_words(std::string_view text);
+
+// The first word, and the rest without the blanks between them.
+struct word_and_rest {
+    std::string word;
+    std::string rest;
+};
+word_and_rest split_first_word(std::string_view text);
+
+// A decimal number, or a hexadecimal one behind 0x, of 32 bits.
+std::optional<std::uint32_t> parse_number(std::string_view text);
+
+} // namespace qrysh

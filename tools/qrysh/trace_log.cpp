@@ -1,0 +1,67 @@
+// The trace sink of the shell.
+#include "tools/qrysh/trace_log.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include <fmt/format.h>
+
+#include "platform/host/qryhost.h"
+#include "tools/qrysh/trace_explainer.h"
+
+namespace qrysh {
+
+namespace {
+
+// A failure's chain of calls is far shorter; a query over many records leaves far more.
+constexpr std::size_t kept_lines = 64;
+
+bool traces_go_elsewhere() {
+    const char *const place = std::getenv("QRYLIB_TRACE");
+    return place != nullptr && *place != '\0';
+}
+
+} // namespace
+
+trace_log::trace_log() {
+    if (!traces_go_elsewhere()) {
+        qryhost_set_trace_sink(receive, this);
+    }
+}
+
+trace_log::~trace_log() {
+    qryhost_set_trace_sink(nullptr, nullptr);
+}
+
+void trace_log::set_printing(bool on) {
+    printing_ = on;
+    qryhost_set_trace_sink(receive, this);
+}
+
+void trace_log::receive(void *context, std::uint32_t /*destination*/, std::uint32_t /*module*/,
+                        std::uint32_t /*level*/, const char *text) {
+    auto &log = *static_cast<trace_log *>(context);
+    if (log.pauses_ > 0) {
+        return;
+    }
+    if (log.lines_.size() == kept_lines) {
+        log.lines_.pop_front();
+    }
+    log.lines_.emplace_back(text);
+    if (log.printing_) {
+        fmt::print(stderr, "{}\n", explain_trace(text));
+    }
+}
+
+// Lines without a code only say that an operation began or ended.
+std::string explain_failure(const std::deque<std::string> &lines) {
+    std::string out;
+    for (const std::string &line : lines) {
+        if (line.find("(0x") != std::string::npos) {
+            out += fmt::format("  {}\n", explain_trace(line));
+        }
+    }
+    return out;
+}
+
+} // namespace qrysh
