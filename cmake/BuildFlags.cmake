@@ -9,6 +9,7 @@ target_compile_options(
             -Wconversion
             -Wshadow
             -Wcast-align
+            $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
             $<$<BOOL:${QRYLIB_WARNINGS_AS_ERRORS}>:-Werror>)
 
 if(QRYLIB_SANITIZE AND NOT QRYLIB_SANITIZE_TRAP)

@@ -25,7 +25,7 @@ const char *required_path(const char *path) {
 }
 
 void set_error(const char *sentence) noexcept {
-    std::snprintf(error_sentence, sizeof error_sentence, "%s", sentence);
+    static_cast<void>(std::snprintf(error_sentence, sizeof error_sentence, "%s", sentence));
 }
 
 element_store &required_store() {

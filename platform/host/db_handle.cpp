@@ -2,17 +2,17 @@
 #include "platform/db_handle.h"
 
 #include <atomic>
-#include <mutex>
 
 #include "platform/host/faults.h"
+#include "platform/host/guard.h"
 
 namespace {
 
 constexpr std::int32_t bad_registration = 1;
 
-std::mutex registration_lock;
-sdb_db_handle_callback registered_callback = nullptr;
-void *registered_cell = nullptr;
+qryhost::guard_mutex registration_lock;
+sdb_db_handle_callback registered_callback QRYLIB_GUARDED_BY(registration_lock) = nullptr;
+void *registered_cell QRYLIB_GUARDED_BY(registration_lock) = nullptr;
 
 std::atomic<std::uint32_t> last_handle{0};
 
@@ -32,7 +32,7 @@ std::int32_t sdb_RegisterDBHandleService(sdb_db_handle_callback callback, void *
     if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_REGISTER_SERVICE)) {
         return static_cast<std::int32_t>(fault);
     }
-    const std::lock_guard<std::mutex> hold(registration_lock);
+    const qryhost::guard hold(registration_lock);
     if (callback == nullptr || registered_callback != nullptr) {
         return bad_registration;
     }
@@ -42,7 +42,7 @@ std::int32_t sdb_RegisterDBHandleService(sdb_db_handle_callback callback, void *
 }
 
 std::int32_t sdb_DeregisterDBHandleService(void) {
-    const std::lock_guard<std::mutex> hold(registration_lock);
+    const qryhost::guard hold(registration_lock);
     if (registered_callback == nullptr) {
         return bad_registration;
     }
@@ -57,7 +57,7 @@ std::uint32_t qryhost_current_db_handle(void) {
     sdb_db_handle_callback callback = nullptr;
     void *head_cell = nullptr;
     {
-        const std::lock_guard<std::mutex> hold(registration_lock);
+        const qryhost::guard hold(registration_lock);
         callback = registered_callback;
         head_cell = registered_cell;
     }

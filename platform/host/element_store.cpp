@@ -4,10 +4,10 @@
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
-#include <mutex>
 #include <utility>
 
 #include "platform/host/control.h"
+#include "platform/host/guard.h"
 #include "platform/host/image_file.h"
 
 namespace qryhost {
@@ -81,8 +81,8 @@ void element_store::replace(const std::vector<std::uint8_t> &region) {
 namespace {
 
 // Opening and closing are rare and take the lock; finding the open store is one load.
-std::mutex opening_lock;
-std::unique_ptr<element_store> owned_store;
+guard_mutex opening_lock;
+std::unique_ptr<element_store> owned_store QRYLIB_GUARDED_BY(opening_lock);
 std::atomic<element_store *> open_now{nullptr};
 
 std::unique_ptr<element_store> make_store(const char *image_path) {
@@ -91,7 +91,7 @@ std::unique_ptr<element_store> make_store(const char *image_path) {
 }
 
 element_store *open_default_store() {
-    const std::lock_guard<std::mutex> hold(opening_lock);
+    const guard hold(opening_lock);
     if (owned_store == nullptr) {
         const char *image = std::getenv("QRYLIB_IMAGE");
         owned_store = make_store(image != nullptr && *image != '\0' ? image : nullptr);
@@ -113,13 +113,13 @@ element_store *current_store() noexcept {
 
 void open_store(const char *image_path) {
     std::unique_ptr<element_store> fresh = make_store(image_path);
-    const std::lock_guard<std::mutex> hold(opening_lock);
+    const guard hold(opening_lock);
     open_now.store(fresh.get(), std::memory_order_release);
     owned_store = std::move(fresh);
 }
 
 void close_store() {
-    const std::lock_guard<std::mutex> hold(opening_lock);
+    const guard hold(opening_lock);
     open_now.store(nullptr, std::memory_order_release);
     owned_store.reset();
 }

@@ -4,8 +4,9 @@
 #include <algorithm>
 #include <array>
 #include <memory>
-#include <mutex>
 #include <vector>
+
+#include "platform/host/guard.h"
 
 namespace qryhost {
 
@@ -22,11 +23,13 @@ struct fault {
 
 // Everything that threads share here, under one lock.
 struct shared_state {
-    std::mutex lock;
-    std::array<fault, QRYHOST_CALL_NUM> faults;
-    std::vector<std::unique_ptr<thread_calls>> threads;
-    std::array<std::uint32_t, QRYHOST_CALL_NUM> ended{};   // calls of threads that have ended
-    std::array<std::uint32_t, QRYHOST_CALL_NUM> cleared{}; // calls before the last qryhost_fail_clear
+    guard_mutex lock;
+    std::array<fault, QRYHOST_CALL_NUM> faults QRYLIB_GUARDED_BY(lock);
+    std::vector<std::unique_ptr<thread_calls>> threads QRYLIB_GUARDED_BY(lock);
+    std::array<std::uint32_t, QRYHOST_CALL_NUM>
+        ended QRYLIB_GUARDED_BY(lock) = {}; // calls of threads that have ended
+    std::array<std::uint32_t, QRYHOST_CALL_NUM>
+        cleared QRYLIB_GUARDED_BY(lock) = {}; // calls before the last qryhost_fail_clear
 };
 
 // Never destroyed: threads may outlive the library's static objects.
@@ -35,7 +38,7 @@ shared_state &shared() {
     return *state;
 }
 
-std::uint32_t total(const shared_state &state, std::size_t call) {
+std::uint32_t total(const shared_state &state, std::size_t call) QRYLIB_REQUIRES(state.lock) {
     std::uint32_t calls = state.ended[call];
     for (const auto &thread : state.threads) {
         calls += thread->calls[call].load(std::memory_order_relaxed);
@@ -47,7 +50,7 @@ std::uint32_t total(const shared_state &state, std::size_t call) {
 struct end_of_thread {
     ~end_of_thread() {
         shared_state &state = shared();
-        const std::lock_guard<std::mutex> hold(state.lock);
+        const guard hold(state.lock);
         const auto mine = std::find_if(state.threads.begin(), state.threads.end(), [](const auto &thread) {
             return thread.get() == calls_of_this_thread;
         });
@@ -59,7 +62,7 @@ struct end_of_thread {
     }
 };
 
-void arm(shared_state &state, std::size_t call, const fault &wanted) {
+void arm(shared_state &state, std::size_t call, const fault &wanted) QRYLIB_REQUIRES(state.lock) {
     state.faults[call] = wanted;
     const std::uint32_t bit = 1u << call;
     if (wanted.times != 0) {
@@ -77,7 +80,7 @@ bool is_call(qryhost_call call) {
 
 thread_calls *register_thread() {
     shared_state &state = shared();
-    const std::lock_guard<std::mutex> hold(state.lock);
+    const guard hold(state.lock);
     calls_of_this_thread = state.threads.emplace_back(new thread_calls()).get();
     static thread_local end_of_thread at_end;
     static_cast<void>(at_end);
@@ -86,7 +89,7 @@ thread_calls *register_thread() {
 
 std::uint32_t take_fault(qryhost_call call) {
     shared_state &state = shared();
-    const std::lock_guard<std::mutex> hold(state.lock);
+    const guard hold(state.lock);
     fault &waiting = state.faults[call];
     if (waiting.times == 0) {
         return 0;
@@ -109,13 +112,13 @@ void qryhost_fail(qryhost_call call, std::uint32_t skip, std::uint32_t times, st
         return;
     }
     qryhost::shared_state &state = qryhost::shared();
-    const std::lock_guard<std::mutex> hold(state.lock);
+    const qryhost::guard hold(state.lock);
     qryhost::arm(state, call, {skip, times, code});
 }
 
 void qryhost_fail_clear(void) {
     qryhost::shared_state &state = qryhost::shared();
-    const std::lock_guard<std::mutex> hold(state.lock);
+    const qryhost::guard hold(state.lock);
     for (std::size_t call = 0; call < QRYHOST_CALL_NUM; ++call) {
         qryhost::arm(state, call, {});
         state.cleared[call] = qryhost::total(state, call);
@@ -127,7 +130,7 @@ std::uint32_t qryhost_call_count(qryhost_call call) {
         return 0;
     }
     qryhost::shared_state &state = qryhost::shared();
-    const std::lock_guard<std::mutex> hold(state.lock);
+    const qryhost::guard hold(state.lock);
     return qryhost::total(state, call) - state.cleared[call];
 }
 

@@ -13,11 +13,11 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <mutex>
 #include <string>
 #include <system_error>
 
 #include "platform/host/faults.h"
+#include "platform/host/guard.h"
 
 namespace {
 
@@ -63,7 +63,7 @@ class temporary_folder {
     }
 
     const std::string &path() {
-        const std::lock_guard<std::mutex> hold(lock_);
+        const qryhost::guard hold(lock_);
         if (owner_ != ::getpid()) {
             std::string name = (fs::temp_directory_path() / "qrylib-XXXXXX").string();
             if (::mkdtemp(name.data()) == nullptr) {
@@ -76,9 +76,9 @@ class temporary_folder {
     }
 
   private:
-    std::mutex lock_;
-    std::string path_;
-    ::pid_t owner_ = 0;
+    qryhost::guard_mutex lock_;
+    std::string path_ QRYLIB_GUARDED_BY(lock_);
+    ::pid_t owner_ QRYLIB_GUARDED_BY(lock_) = 0;
 };
 
 fs::path root_folder() {
@@ -117,10 +117,10 @@ std::uint32_t file_call(qryhost_call call, Work work) noexcept {
 // The open files. A file's number is its position plus 1; one lock is enough for files this small.
 class open_files {
   public:
-    open_files() { descriptors_.fill(closed); }
+    open_files() noexcept { descriptors_.fill(closed); }
 
     std::uint32_t open(const fs::path &path, int flags, std::uint32_t &number) {
-        const std::lock_guard<std::mutex> hold(lock_);
+        const qryhost::guard hold(lock_);
         for (std::size_t i = 0; i < descriptors_.size(); ++i) {
             if (descriptors_[i] == closed) {
                 const int descriptor = ::open(path.c_str(), flags | O_CLOEXEC, 0666);
@@ -138,7 +138,7 @@ class open_files {
     // Moves `size` bytes by calls of `step(descriptor, bytes done)`, which answers as read and write do.
     template <typename Step>
     std::uint32_t transfer(std::uint32_t number, std::uint32_t size, Step step) {
-        const std::lock_guard<std::mutex> hold(lock_);
+        const qryhost::guard hold(lock_);
         if (!is_open(number)) {
             return bad_argument;
         }
@@ -156,7 +156,7 @@ class open_files {
     }
 
     std::uint32_t close(std::uint32_t number) {
-        const std::lock_guard<std::mutex> hold(lock_);
+        const qryhost::guard hold(lock_);
         if (!is_open(number)) {
             return bad_argument;
         }
@@ -168,12 +168,12 @@ class open_files {
   private:
     static constexpr int closed = -1;
 
-    bool is_open(std::uint32_t number) const {
+    bool is_open(std::uint32_t number) const QRYLIB_REQUIRES(lock_) {
         return number != 0 && number <= descriptors_.size() && descriptors_[number - 1] != closed;
     }
 
-    std::mutex lock_;
-    std::array<int, 64> descriptors_;
+    qryhost::guard_mutex lock_;
+    std::array<int, 64> descriptors_ QRYLIB_GUARDED_BY(lock_);
 };
 
 open_files files;

@@ -13,7 +13,7 @@ namespace qryhost {
 namespace {
 
 // A store written out in full is far smaller; what is larger or deeper is no fixture.
-constexpr std::size_t file_size_max = 16 * 1024 * 1024;
+constexpr std::size_t file_size_max = std::size_t{16} * 1024 * 1024;
 constexpr int depth_max = 8;
 
 // Watches the parser: bounds the depth, and refuses a key that one object has twice.

@@ -18,7 +18,7 @@ constexpr std::uint32_t partition_exhausted = 1;
 // Results come and go in blocks of many kilobytes. Keeping freed memory mapped spares each query the page
 // faults of mapping it again. A threshold that the allocator finds too high is left as it was, and
 // sanitizers' allocators ignore both.
-bool keep_freed_memory_mapped() {
+bool keep_freed_memory_mapped() noexcept {
     constexpr int largest_threshold = sizeof(void *) > 4 ? 32 * 1024 * 1024 : 512 * 1024;
     mallopt(M_MMAP_THRESHOLD, largest_threshold);
     mallopt(M_TRIM_THRESHOLD, 1024 * 1024 * 1024);

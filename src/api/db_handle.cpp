@@ -9,6 +9,7 @@
 #include "platform/db_handle.h"
 #include "platform/os.h"
 #include "util/pool_block.h"
+#include "util/thread_safety.h"
 #include "util/trace.h"
 
 using norvane::pool_block;
@@ -30,19 +31,23 @@ constexpr std::int32_t wait_forever = -1;
 
 // The mutex is made by the first thread that adds a handle and stays for the life of the process; it is read
 // without a lock, hence atomic. Everything else is read and written under the mutex.
+struct QRYLIB_CAPABILITY registry_mutex {
+    std::atomic<std::uint32_t> id{0};
+};
+
 struct {
-    std::atomic<std::uint32_t> mutex{0};
-    handle_node **head_cell = nullptr;
+    registry_mutex mutex;
+    handle_node **head_cell QRYLIB_GUARDED_BY(mutex) = nullptr;
 } registry;
 
-// Holds the registry's mutex, unless it could not be had (`code` is then not 0).
-class registry_lock {
+// Holds the registry's mutex, unless it could not be had: `code` is then not 0, and nothing may be touched.
+class QRYLIB_SCOPED_CAPABILITY registry_lock {
   public:
-    explicit registry_lock(std::uint32_t mutex)
+    explicit registry_lock(std::uint32_t mutex) QRYLIB_ACQUIRE(registry.mutex)
         : code(pfwOSWRequestMutexSem(mutex, wait_forever)), mutex_(mutex) {}
     registry_lock(const registry_lock &) = delete;
     registry_lock &operator=(const registry_lock &) = delete;
-    ~registry_lock() {
+    ~registry_lock() QRYLIB_RELEASE() {
         if (code == 0) {
             pfwOSWReleaseMutexSem(mutex_);
         }
@@ -57,18 +62,18 @@ class registry_lock {
 // Creates the mutex on first use. The second look, under the task lock, lets only one of several first
 // threads create it.
 std::uint32_t create_mutex_once() {
-    if (registry.mutex.load(std::memory_order_acquire) != 0) {
+    if (registry.mutex.id.load(std::memory_order_acquire) != 0) {
         return 0;
     }
     if (const std::uint32_t code = pfwOSWLockTask(); code != 0) {
         return code;
     }
     std::uint32_t code = 0;
-    if (registry.mutex.load(std::memory_order_relaxed) == 0) {
+    if (registry.mutex.id.load(std::memory_order_relaxed) == 0) {
         std::uint32_t fresh = 0;
         code = pfwOSWCreateMutexSem(&fresh, 0, 1);
         if (code == 0) {
-            registry.mutex.store(fresh, std::memory_order_release);
+            registry.mutex.id.store(fresh, std::memory_order_release);
         }
     }
     pfwOSWUnlockTask();
@@ -76,7 +81,7 @@ std::uint32_t create_mutex_once() {
 }
 
 // Ends the registration and gives every node and the cell back. The handles stay: the service owns them.
-void dismantle() {
+void dismantle() QRYLIB_REQUIRES(registry.mutex) {
     sdb_DeregisterDBHandleService();
     const pool_block cell(registry.head_cell);
     for (handle_node *node = *registry.head_cell; node != nullptr;) {
@@ -87,11 +92,12 @@ void dismantle() {
 }
 
 // Makes the cell and registers the service, where neither was done.
-std::int32_t register_service() {
+std::int32_t register_service() QRYLIB_REQUIRES(registry.mutex) {
     if (registry.head_cell != nullptr) {
         return 0;
     }
     pool_block cell;
+    // The cell is one pointer, which is meant.  NOLINTNEXTLINE(bugprone-sizeof-expression)
     if (cell.take_zeroed(1, sizeof(handle_node *)) != 0) {
         return no_memory;
     }
@@ -103,7 +109,7 @@ std::int32_t register_service() {
 }
 
 // Puts a node for the calling thread in front of the list.
-std::int32_t add_node() {
+std::int32_t add_node() QRYLIB_REQUIRES(registry.mutex) {
     pool_block block;
     if (block.take(1, sizeof(handle_node)) != 0) {
         if (*registry.head_cell == nullptr) {
@@ -124,7 +130,7 @@ std::int32_t add_node() {
 }
 
 // The link that leads to the calling thread's newest node; the list's last link, a null one, without such.
-handle_node **find_own_link() {
+handle_node **find_own_link() QRYLIB_REQUIRES(registry.mutex) {
     handle_node **link = registry.head_cell;
     while (*link != nullptr && pthread_equal((*link)->thread_id, pthread_self()) == 0) {
         link = &(*link)->next;
@@ -140,7 +146,7 @@ std::int32_t dsql_db_handle_add(void) {
     if (const std::uint32_t code = create_mutex_once(); code != 0) {
         return static_cast<std::int32_t>(trace_return(__func__, __LINE__, code));
     }
-    const registry_lock lock(registry.mutex.load(std::memory_order_acquire));
+    const registry_lock lock(registry.mutex.id.load(std::memory_order_acquire));
     if (lock.code != 0) {
         return static_cast<std::int32_t>(trace_return(__func__, __LINE__, lock.code));
     }
@@ -155,7 +161,7 @@ std::int32_t dsql_db_handle_add(void) {
 }
 
 std::int32_t dsql_db_handle_delete(void) {
-    const std::uint32_t mutex = registry.mutex.load(std::memory_order_acquire);
+    const std::uint32_t mutex = registry.mutex.id.load(std::memory_order_acquire);
     if (mutex == 0) {
         return no_entry;
     }
@@ -176,7 +182,7 @@ std::int32_t dsql_db_handle_delete(void) {
 }
 
 std::uint32_t dsql_db_handle_callback(void *head_cell) {
-    const std::uint32_t mutex = registry.mutex.load(std::memory_order_acquire);
+    const std::uint32_t mutex = registry.mutex.id.load(std::memory_order_acquire);
     if (mutex == 0) {
         return 0;
     }

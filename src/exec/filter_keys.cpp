@@ -51,8 +51,9 @@ class search_records {
 // The statement's first column of exactly that name, or null.
 const QRY_LIB_COLUMN *find_column(qry_lib_analyze_info const &info, const char *name) {
     for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
-        if (std::strcmp(info.col_at(i)->col_name, name) == 0) {
-            return info.col_at(i);
+        const QRY_LIB_COLUMN *column = info.col_at(i);
+        if (column != nullptr && std::strcmp(column->col_name, name) == 0) {
+            return column;
         }
     }
     return nullptr;

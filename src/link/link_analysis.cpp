@@ -75,7 +75,8 @@ void name_side(QRY_LIB_COLUMN &side, const column_reference &reference) {
 bool add_key_column(const qry_lib_sql_parser &parser, const column_reference &key,
                     std::vector<qry_lib_analyze_info> &per_table) {
     static constexpr QRY_LIB_COLUMN_VALUE no_value{};
-    for (std::uint16_t t = 0; t < per_table.size(); ++t) {
+    const auto table_num = static_cast<std::uint16_t>(per_table.size()); // as many as the query counts
+    for (std::uint16_t t = 0; t < table_num; ++t) {
         if (parser.get_is_table(0, key.table, per_table[t]) == 1 &&
             parser.get_is_col_name(t, key.column, per_table) == 0) {
             if (per_table[t].get_cols_num() == UINT16_MAX) {

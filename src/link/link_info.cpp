@@ -1,6 +1,4 @@
 // The link model's lists.
-#include <cstring>
-
 #include "api/qry_lib_db_rowset_lib.h"
 #include "link/qry_lib_analyze_link_info.h"
 #include "util/bounded_text.h"
@@ -42,8 +40,8 @@ std::uint32_t qry_lib_analyze_link_info::get_cols(std::uint16_t index, char *tab
     if (index >= get_cols_num()) {
         return QRY_LIB_NO_SUCH_ITEM;
     }
-    std::strcpy(table, cols_[index].table_name);
-    std::strcpy(col, cols_[index].col_name);
+    copy_bounded<QRY_LIB_TABLE_NAME_MAX>(table, cols_[index].table_name);
+    copy_bounded<QRY_LIB_COLUMN_NAME_MAX>(col, cols_[index].col_name);
     return 0;
 }
 

@@ -18,7 +18,7 @@ constexpr char storage_name[] = "test_file_debug.dat";
 constexpr std::uint32_t not_opened = 1;
 
 struct close_file {
-    void operator()(std::FILE *file) const { std::fclose(file); }
+    void operator()(std::FILE *file) const { static_cast<void>(std::fclose(file)); }
 };
 using open_file = std::unique_ptr<std::FILE, close_file>;
 
@@ -26,7 +26,7 @@ using open_file = std::unique_ptr<std::FILE, close_file>;
 open_file open_storage(const char *mode, const char *complaint) {
     open_file file(std::fopen(storage_name, mode));
     if (file == nullptr) {
-        std::fputs(complaint, stdout);
+        static_cast<void>(std::fputs(complaint, stdout));
     }
     return file;
 }
@@ -82,7 +82,7 @@ std::uint32_t qry_lib_dev_access_write(std::uint32_t, std::uint32_t offset, cons
         return not_opened;
     }
     if (seek(file, offset)) {
-        std::fwrite(buffer, 1, size, file.get());
+        static_cast<void>(std::fwrite(buffer, 1, size, file.get()));
     }
     return 0;
 }

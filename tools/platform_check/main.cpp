@@ -27,16 +27,16 @@ int main(int argc, char **argv) {
     const bool is_understood = argc == 1 || (argc == 3 && parse_number(argv[1], where.area) &&
                                              parse_number(argv[2], where.directory));
     if (!is_understood) {
-        std::fputs(
+        static_cast<void>(std::fputs(
             "usage: qrylib-platform-check [AREA DIRECTORY]\n"
             "Exercises every function that the library calls on this device and puts back what it changes.\n"
             "AREA DIRECTORY: where files may be made and removed (1 32767). Exit status: 0 when the "
             "platform\n"
             "does what the library needs, 1 when something is missing or different.\n",
-            stderr);
+            stderr));
         return wrong_command_line;
     }
     const platform_check::report found = platform_check::check_platform(where);
-    std::fputs(found.text().c_str(), stdout);
+    static_cast<void>(std::fputs(found.text().c_str(), stdout));
     return found.finding_num() == 0 ? 0 : 1;
 }

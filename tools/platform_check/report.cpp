@@ -87,7 +87,7 @@ std::string report::text() const {
 
 std::string hex(std::uint32_t number) {
     char text[16];
-    std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(number));
+    static_cast<void>(std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(number)));
     return text;
 }
 

@@ -54,12 +54,10 @@ bool begins_with(std::string_view text, std::string_view start) {
 words command_words(const std::string &db_name, std::string_view line, std::size_t begin) {
     words all;
     const std::string_view name = line.substr(0, line.find(' '));
-    if (begin == 0) {
+    if (begin == 0 || name == ".help") {
         add(all, command_names());
     } else if (name == ".db") {
         add(all, database_names());
-    } else if (name == ".help") {
-        add(all, command_names());
     } else if (name == ".explain" || name == ".watch" || name == ".fault") {
         return statement_words(db_name, line);
     } else {

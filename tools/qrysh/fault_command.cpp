@@ -30,6 +30,7 @@ constexpr std::uint32_t injected_code = 0x0FA1;
 
 std::vector<std::string> call_names() {
     std::vector<std::string> names;
+    names.reserve(QRYHOST_CALL_NUM);
     for (int i = 0; i < QRYHOST_CALL_NUM; ++i) {
         names.emplace_back(call_name(static_cast<qryhost_call>(i)));
     }

@@ -20,7 +20,7 @@ void replace_file(const std::string &path, const std::function<void(const std::s
             throw std::system_error(errno, std::generic_category(), path);
         }
     } catch (...) {
-        std::remove(temporary.c_str());
+        static_cast<void>(std::remove(temporary.c_str()));
         throw;
     }
 }

@@ -94,11 +94,11 @@ int run(int argc, char **argv) {
 } // namespace
 
 int main(int argc, char **argv) {
-    std::setlocale(LC_CTYPE, "");
+    static_cast<void>(std::setlocale(LC_CTYPE, "")); // without the locale, the plain one stays
     try {
         return run(argc, argv);
     } catch (const std::exception &error) {
-        std::fprintf(stderr, "error: %s\n", error.what());
+        static_cast<void>(std::fprintf(stderr, "error: %s\n", error.what()));
         return 1;
     }
 }

@@ -30,15 +30,16 @@ bool is_long(const std::string &text) {
 // A pager that is left early closes the pipe: that is no fault of the answer, so the signal is held off.
 bool page(const char *pager, const std::string &text) {
     void (*const previous)(int) = std::signal(SIGPIPE, SIG_IGN);
+    // The pager is the user's own command line.  NOLINTNEXTLINE(cert-env33-c)
     FILE *const pipe = popen(pager, "w");
     bool shown = pipe != nullptr;
     if (shown) {
-        std::fwrite(text.data(), 1, text.size(), pipe);
+        static_cast<void>(std::fwrite(text.data(), 1, text.size(), pipe));
         constexpr int not_found = 127; // what the system's shell answers for a program that is not there
         const int status = pclose(pipe);
         shown = !(WIFEXITED(status) && WEXITSTATUS(status) == not_found);
     }
-    std::signal(SIGPIPE, previous);
+    static_cast<void>(std::signal(SIGPIPE, previous));
     return shown;
 }
 
@@ -51,7 +52,7 @@ void print(std::string_view text) {
 }
 
 void say(std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stderr);
+    static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
 }
 
 void present(const std::string &text) {

@@ -38,9 +38,9 @@ std::vector<std::string> table_names(const std::string &db_name) {
 
 std::vector<qry_lib_catalog_column_> table_columns(const std::string &db_name,
                                                    const std::string &table_name) {
-    std::vector<qry_lib_catalog_column_> columns(
-        qry_lib_catalog_column_num(db_name.c_str(), table_name.c_str()));
-    for (std::uint16_t i = 0; i < columns.size(); ++i) {
+    const std::uint16_t column_num = qry_lib_catalog_column_num(db_name.c_str(), table_name.c_str());
+    std::vector<qry_lib_catalog_column_> columns(column_num);
+    for (std::uint16_t i = 0; i < column_num; ++i) {
         qry_lib_catalog_column(db_name.c_str(), table_name.c_str(), i, &columns[i]);
     }
     return columns;

@@ -51,6 +51,7 @@ bool keys_are_distinct(const sqlite_table &table) {
     std::set<std::vector<cell>> seen;
     return std::all_of(table.rows.rows.begin(), table.rows.rows.end(), [&](const std::vector<cell> &row) {
         std::vector<cell> key;
+        key.reserve(places.size());
         for (const std::size_t place : places) {
             key.push_back(row[place]);
         }

@@ -1,0 +1,117 @@
+// The replaced operator new and delete.
+#include "fault/refused_new.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+struct {
+    std::atomic<bool> armed{false};
+    std::atomic<std::uint32_t> requests{0};
+    std::atomic<std::uint32_t> skip{0};
+    std::atomic<std::uint32_t> times{0};
+    std::atomic<bool> quiet_refused{false};
+    std::atomic<std::int32_t> in_use{0};
+} state;
+
+bool is_refused() {
+    if (!state.armed) {
+        return false;
+    }
+    const std::uint32_t request = state.requests++;
+    return request >= state.skip && request - state.skip < state.times;
+}
+
+void *take(std::size_t size) {
+    void *block = is_refused() ? nullptr : std::malloc(size == 0 ? 1 : size);
+    if (block != nullptr) {
+        ++state.in_use;
+    }
+    return block;
+}
+
+void *take_or_throw(std::size_t size) {
+    void *block = take(size);
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    return block;
+}
+
+void *take_quietly(std::size_t size) {
+    void *block = take(size);
+    if (block == nullptr) {
+        state.quiet_refused = true;
+    }
+    return block;
+}
+
+void give_back(void *block) {
+    if (block != nullptr) {
+        --state.in_use;
+        std::free(block);
+    }
+}
+
+} // namespace
+
+void *operator new(std::size_t size) {
+    return take_or_throw(size);
+}
+void *operator new[](std::size_t size) {
+    return take_or_throw(size);
+}
+void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
+    return take_quietly(size);
+}
+void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
+    return take_quietly(size);
+}
+void operator delete(void *block) noexcept {
+    give_back(block);
+}
+void operator delete[](void *block) noexcept {
+    give_back(block);
+}
+void operator delete(void *block, std::size_t) noexcept {
+    give_back(block);
+}
+void operator delete[](void *block, std::size_t) noexcept {
+    give_back(block);
+}
+void operator delete(void *block, const std::nothrow_t &) noexcept {
+    give_back(block);
+}
+void operator delete[](void *block, const std::nothrow_t &) noexcept {
+    give_back(block);
+}
+
+namespace fault {
+
+void refuse_new(std::uint32_t skip, std::uint32_t times) {
+    state.requests = 0;
+    state.skip = skip;
+    state.times = times;
+    state.quiet_refused = false;
+    state.armed = true;
+}
+
+void allow_new() {
+    state.armed = false;
+}
+
+std::uint32_t new_requests() {
+    return state.requests;
+}
+
+bool quiet_request_refused() {
+    return state.quiet_refused;
+}
+
+std::int32_t new_in_use() {
+    return state.in_use;
+}
+
+} // namespace fault
