@@ -1,5 +1,6 @@
 // The modes that align columns: table, box and Markdown.
 #include <algorithm>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -47,10 +48,11 @@ std::vector<grid_row> make_grid(const result &answer) {
         rows.front().push_back(make_cell(answer.titles[i], over_numbers));
     }
     for (const std::vector<cell> &row : answer.rows) {
-        grid_row &line = rows.emplace_back();
+        grid_row line;
         for (const cell &value : row) {
             line.push_back(make_cell(cell_text(value), std::holds_alternative<std::int64_t>(value)));
         }
+        rows.push_back(std::move(line));
     }
     return rows;
 }
