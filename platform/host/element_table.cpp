@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/host/copy_value.h"
 #include "platform/host/element_store.h"
 #include "platform/host/faults.h"
 
@@ -97,23 +98,6 @@ struct list_state {
     std::uint16_t position;
 };
 static_assert(sizeof(list_state) <= sizeof(tbctListTable));
-
-// Searches read mostly numbers, one for each row and key; those are copied without a call.
-void copy_value(void *to, const std::uint8_t *from, std::size_t size) {
-    switch (size) {
-    case 1:
-        std::memcpy(to, from, 1);
-        break;
-    case 2:
-        std::memcpy(to, from, 2);
-        break;
-    case 4:
-        std::memcpy(to, from, 4);
-        break;
-    default:
-        std::memcpy(to, from, size);
-    }
-}
 
 // Fields are read one by one: the position is written alone, and a wider read right behind it would wait.
 template <typename Field>
@@ -226,7 +210,7 @@ std::uint32_t tbctSTCListTableGetVal(tbctListTable *list, void *buffer) {
     if (state.position >= state.count) { // 0 for a list that is not open
         return refused;
     }
-    copy_value(buffer, state.values + std::size_t{state.size} * state.position, state.size);
+    qryhost::copy_value(buffer, state.values + std::size_t{state.size} * state.position, state.size);
     return 0;
 }
 

@@ -9,6 +9,8 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/host/copy_value.h"
+
 #if defined(__SANITIZE_THREAD__)
 #define QRYHOST_UNDER_THREAD_SANITIZER 1
 #elif defined(__has_feature)
@@ -36,19 +38,7 @@ void copy_shared(void *to, const void *from, std::size_t size) {
                          __ATOMIC_RELAXED);
     }
 #else
-    switch (size) {
-    case 1:
-        std::memcpy(to, from, 1);
-        break;
-    case 2:
-        std::memcpy(to, from, 2);
-        break;
-    case 4:
-        std::memcpy(to, from, 4);
-        break;
-    default:
-        std::memcpy(to, from, size);
-    }
+    copy_value(to, from, size);
 #endif
 }
 

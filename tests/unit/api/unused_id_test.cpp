@@ -1,5 +1,7 @@
 // The smallest unused id: gaps, limits and every refusal.
 #include <qrylib/db_handle.h>
+#include <qrylib/query.h>
+#include <qrylib/statement.h>
 #include <qrylib/types.h>
 
 #include <string>
@@ -70,6 +72,24 @@ TEST_F(unused_id, the_smallest_gap_is_found) {
         EXPECT_EQ(id, row.expected) << row.name;
     }
     EXPECT_TRUE(take_codes().empty());
+}
+
+TEST_F(unused_id, the_sample_device_has_its_smallest_free_ids) {
+    ASSERT_EQ(qryhost_load(QRYLIB_EXAMPLES "/office.json"), 0) << qryhost_error();
+    param = {"adbk_db", "PSN_TBL", "PSN_ID", 1, 1000, 1000, 2};
+    EXPECT_EQ(ask(), 0u);
+    EXPECT_EQ(id, 11u); // ten people, 1 to 10
+    qry_lib_db_stmt_ stmt;
+    qry_lib_db_get_stmt("adbk_db", &stmt);
+    EXPECT_EQ(qry_lib_db_exec(&stmt, "DELETE FROM PSN_TBL WHERE PSN_ID = 8"), 0u);
+    EXPECT_EQ(ask(), 0u);
+    EXPECT_EQ(id, 8u);
+    param = {"department_db", "DEPT_TBL", "ID", 1, 1000, 1000, 2};
+    EXPECT_EQ(ask(), 0u);
+    EXPECT_EQ(id, 102u); // 101 departments, 1 to 101
+    param.max_count = 101;
+    EXPECT_EQ(ask(), QRY_LIB_NO_FREE_ENTRY);
+    EXPECT_EQ(qryhost_reset(), 0);
 }
 
 TEST_F(unused_id, a_range_starts_anywhere) {
