@@ -425,6 +425,20 @@ TEST_F(failing_row_test, follows_a_list_table_that_could_not_be_created) {
     test::settle_lost_block();
 }
 
+TEST_F(failing_row_test, follows_even_where_the_first_key_would_decide) {
+    // One list that cannot be made takes those before it along.
+    const key never = number_key(edit_counter_id, 4, QRY_LIB_OPERATION_TYPE_EQUAL, 9u);
+    std::vector<key> keys = {never, never};
+    qry_lib_tb_search_id id = 0;
+    std::uint16_t num = 0;
+    qryhost_fail(QRYHOST_CREATE_LIST, 1, 1, injected);
+    EXPECT_EQ(search(edit_counters, keys, id, num), access_error);
+    test::settle_lost_block();
+    EXPECT_EQ(take_traces(), (traces{{"qry_lib_tb_create_list_table", 805, injected},
+                                     {search_name, 519, access_error},
+                                     {search_name, 452, access_error}}));
+}
+
 TEST_F(record_search, a_missing_list_that_no_row_test_reaches_does_no_harm) {
     std::vector<key> keys = {number_key(edit_counter_id, 4, QRY_LIB_OPERATION_TYPE_EQUAL, 0u)};
     qryhost_fail(QRYHOST_CREATE_LIST, 0, 1, injected);

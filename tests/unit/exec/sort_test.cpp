@@ -162,6 +162,14 @@ TEST_F(sorting, a_string_that_fills_its_element_ends_there) {
     EXPECT_EQ(sorted_by("DEPT_CODE", descending, 3), (record_list{0, 1, 2}));
 }
 
+TEST_F(sorting, equal_strings_that_fill_their_element_are_equal) {
+    for (std::uint32_t r = 0; r < 3; ++r) {
+        put_text(departments, r, test::department_code, "123456789");
+    }
+    EXPECT_EQ(sorted_by("DEPT_CODE", ascending, 3), up_to(3));
+    EXPECT_EQ(sorted_by("DEPT_CODE", descending, 3), up_to(3));
+}
+
 TEST_F(sorting, a_full_table_sorts_whole) {
     for (std::uint32_t r = 0; r < 101; ++r) {
         put(departments, r, test::department_total, 1000 - 7 * r);

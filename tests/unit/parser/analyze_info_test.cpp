@@ -194,6 +194,24 @@ TEST_F(analyze_info, names_and_values_are_kept_to_their_capacity) {
     EXPECT_EQ(columns(info), (test::texts{col_name}));
     EXPECT_EQ(filters(info), (test::conditions{{col_name, text, 0, 1, 0}}));
     EXPECT_EQ(order(info), col_name + " 1");
+
+    char table[QRY_LIB_TABLE_NAME_MAX + 1];
+    char col[QRY_LIB_COLUMN_NAME_MAX + 1];
+    QRY_LIB_COLUMN_VALUE value;
+    QRY_LIB_COLUMN_TYPE type;
+    EXPECT_EQ(info.get_cols(0, table, col, &value, type), 0u);
+    EXPECT_EQ(table, table_name);
+    EXPECT_EQ(value.str_value, text);
+    QRY_LIB_OPERATION_TYPE operation;
+    QRY_LIB_JOIN_TYPE join;
+    std::int32_t quoted;
+    table[0] = '\0';
+    EXPECT_EQ(info.get_filter_cols(0, table, col, value.str_value, operation, join, quoted), 0u);
+    EXPECT_EQ(table, table_name);
+    table[0] = '\0';
+    QRY_LIB_ODER_TYPE order_type;
+    info.get_order(table, col, order_type);
+    EXPECT_EQ(table, table_name);
 }
 
 TEST_F(analyze_info, longer_names_and_values_never_leave_their_buffers) {

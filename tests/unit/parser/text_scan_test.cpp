@@ -361,6 +361,18 @@ TEST_F(text_scan, a_table_is_compared_at_its_index) {
     EXPECT_EQ(take_traces(), (traces{at("get_is_table", 2069, QRY_LIB_NO_SUCH_ITEM)}));
 }
 
+TEST_F(text_scan, names_are_compared_up_to_their_capacity) {
+    const std::string table(QRY_LIB_TABLE_NAME_MAX, 't');
+    const std::string col(QRY_LIB_COLUMN_NAME_MAX, 'c');
+    std::vector<norvane::qry_lib_analyze_info> queries(1);
+    queries[0].set_table(table.c_str());
+    queries[0].add_cols(col.c_str(), QRY_LIB_COLUMN_VALUE{}, QRY_LIB_COLUMN_TYPE_STR);
+    EXPECT_EQ(parser.get_is_table(0, table, queries[0]), 1);
+    EXPECT_EQ(parser.get_is_table(0, table + "t", queries[0]), 0);
+    EXPECT_EQ(parser.get_is_col_name(0, col, queries), 1);
+    EXPECT_EQ(parser.get_is_col_name(0, col + "c", queries), 0);
+}
+
 TEST_F(text_scan, a_megabyte_is_scanned_like_any_text) {
     constexpr std::size_t length = 1024 * 1024;
     const std::string blanks(length, ' ');

@@ -1,6 +1,4 @@
 // WHERE: which conditions a text becomes, and where each refusal is traced.
-#include <cstring>
-
 #include "unit/parser/parser_test.h"
 
 namespace {
@@ -171,7 +169,7 @@ TEST_F(where_analysis, one_condition_carries_the_join_of_its_caller) {
     EXPECT_EQ(info.get_filter_cols_num(), 2);
 }
 
-TEST_F(where_analysis, conditions_belong_to_the_first_table_and_are_zero_behind_their_text) {
+TEST_F(where_analysis, conditions_belong_to_the_first_table) {
     info.set_table("MAIN");
     info.add_table("OTHER");
     EXPECT_EQ(parser.set_filter_str("A = 5", info), 0u);
