@@ -1,6 +1,7 @@
 // The analyzed query's lists and their getters.
 #include "parser/qry_lib_analyze_info.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "util/bounded_text.h"
@@ -27,6 +28,14 @@ void qry_lib_analyze_info::add_cols(const char *table, const char *col, const QR
 void qry_lib_analyze_info::add_cols(const char *col, const QRY_LIB_COLUMN_VALUE &value,
                                     QRY_LIB_COLUMN_TYPE type) {
     add_cols(get_table(), col, value, type);
+}
+
+// Lists of values ask for room one after the other, so the room at least doubles: to the exact number each
+// would move all conditions before it.
+void qry_lib_analyze_info::reserve_filter_cols(std::size_t num) {
+    if (num > filters_.capacity()) {
+        filters_.reserve(std::max(num, 2 * filters_.capacity()));
+    }
 }
 
 void qry_lib_analyze_info::add_filter_cols(const char *table, const char *col, const char *value,

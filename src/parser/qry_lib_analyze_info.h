@@ -45,7 +45,7 @@ class qry_lib_analyze_info {
 
     // Makes room for as many columns or conditions, so that adding them moves none.
     void reserve_cols(std::size_t num) { cols_.reserve(num); }
-    void reserve_filter_cols(std::size_t num) { filters_.reserve(num); }
+    void reserve_filter_cols(std::size_t num);
 
     void set_order(const char *table, const char *col, QRY_LIB_ODER_TYPE order_type);
     void set_order(const char *col, QRY_LIB_ODER_TYPE order_type);
