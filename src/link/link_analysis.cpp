@@ -20,22 +20,16 @@ struct column_reference {
     std::string column;
 };
 
-// False, without a trace of its own, for a text of any other form; `code` is that of the split.
-bool split_reference(const qry_lib_sql_parser &parser, const char *text, column_reference &out,
-                     std::uint32_t &code) {
+// False, without a trace of its own, for a text of any other form.
+bool split_reference(const qry_lib_sql_parser &parser, const char *text, column_reference &out) {
     std::vector<std::string> parts;
     unsigned int count = 0;
-    code = parser.divide_keyword(text, ".", count, parts);
-    if (code != 0 || count != 2) {
+    if (parser.divide_keyword(text, ".", count, parts) != 0 || count != 2) {
         return false;
     }
     out.table = std::move(parts[0]);
     out.column = std::move(parts[1]);
-    return true;
-}
-
-bool trim_reference(const qry_lib_sql_parser &parser, column_reference &reference) {
-    return parser.trimmed(reference.table) && parser.trimmed(reference.column);
+    return parser.trimmed(out.table) && parser.trimmed(out.column);
 }
 
 struct condition {
@@ -136,8 +130,7 @@ std::uint32_t qry_lib_sql_parser::set_link_select_cols(qry_lib_analyze_info &inf
             return trace_return(__func__, 1657, code);
         }
         column_reference selected;
-        std::uint32_t code = 0;
-        if (!split_reference(*this, name, selected, code) || !trim_reference(*this, selected)) {
+        if (!split_reference(*this, name, selected)) {
             return QRY_LIB_NOT_ACCEPTED;
         }
         bool known = false;
@@ -193,8 +186,7 @@ std::uint32_t qry_lib_sql_parser::set_link_condition(std::uint16_t index, qry_li
         return trace_return(name, 1763, code);
     }
     column_reference compared;
-    std::uint32_t split_code = 0;
-    if (!split_reference(*this, filter.col, compared, split_code) || !trim_reference(*this, compared)) {
+    if (!split_reference(*this, filter.col, compared)) {
         return QRY_LIB_NOT_ACCEPTED;
     }
     if (filter.quoted == 0) {
