@@ -1,4 +1,6 @@
 // From the statement's key columns and conditions to the numbers of the records that it concerns.
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 #include "exec/element_buffer.h"
@@ -32,6 +34,16 @@ void copy_value(std::uint32_t elem_type, void const *value, char *out) {
     default:
         break; // leaves the value area as it was
     }
+}
+
+// Copies a key, but of its value's 3000 bytes only those that a search may look at.
+void copy_key(const qry_lib_tb_list_filter_key_ &key, qry_lib_tb_list_filter_key_ *out) {
+    const std::size_t value_size = is_string_element(key.elem_type)
+                                       ? bounded_length(key.value, QRY_LIB_STRING_MAX) + 1
+                                       : std::max<std::size_t>(key.cmp_size, sizeof(std::uint32_t));
+    std::memcpy(out, &key, offsetof(qry_lib_tb_list_filter_key_, value) + value_size);
+    out->operation = key.operation;
+    out->join = key.join;
 }
 
 // The record numbers that a search found, given back when they have been read.
@@ -205,7 +217,7 @@ int qry_lib_db_executer::create_search_table_id(unsigned int category, filter_ke
     auto *array = block.as<qry_lib_tb_list_filter_key_>();
     auto *next = array;
     for (const qry_lib_tb_list_filter_key_ &key : keys) {
-        std::memcpy(next++, &key, sizeof key);
+        copy_key(key, next++);
     }
     qry_lib_tb_search_id id = 0;
     std::uint16_t record_num = 0;

@@ -86,6 +86,9 @@ class qry_lib_db_executer {
     };
     using target_columns = std::vector<target_column>;
 
+    // Puts the records in the query's order; on failure they are lost.
+    int sort_records(qry_lib_analyze_info const &info, record_list &records);
+
     int dispatch(qry_lib_analyze_info const &info, unsigned int category, record_list records,
                  qry_lib_db_rowset_ *rowset);
     int create_condition_key(qry_lib_analyze_info const &info, std::uint16_t index, filter_keys &keys);

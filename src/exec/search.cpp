@@ -96,23 +96,36 @@ int compare_bytes_of(const qry_lib_tb_list_filter_key_ &key, const char *row) {
     return std::memcmp(key.value + compared, row + compared, key.cmp_size - compared);
 }
 
-// `order` is that of the key's value to the row's: 0, below or above it.
-bool holds(QRY_LIB_OPERATION_TYPE operation, int order) {
+// The orders of the key's value to the row's, as bits.
+enum order_bit : std::uint32_t { below = 1, same = 2, above = 4 };
+
+constexpr std::uint32_t order_of(int order) {
+    return order == 0 ? same : order < 0 ? below : above;
+}
+
+// Without a branch: which way numbers differ is the one thing in a search that no processor can foretell.
+constexpr std::uint32_t order_of(std::uint32_t key_number, std::uint32_t row_number) {
+    return same << int{key_number > row_number} >> int{key_number < row_number};
+}
+
+// The orders with which a key of the operation holds. LIKE compares no further than the key reaches.
+constexpr std::uint32_t accepted_orders(QRY_LIB_OPERATION_TYPE operation) {
     switch (operation) {
     case QRY_LIB_OPERATION_TYPE_EQUAL:
-        return order == 0;
+    case QRY_LIB_OPERATION_TYPE_LIKE:
+        return same;
     case QRY_LIB_OPERATION_TYPE_NOT_EQUAL:
-        return order != 0;
+        return below | above;
     case QRY_LIB_OPERATION_TYPE_LESS:
-        return order > 0;
+        return above;
     case QRY_LIB_OPERATION_TYPE_GREATER:
-        return order < 0;
+        return below;
     case QRY_LIB_OPERATION_TYPE_LESS_EQUAL:
-        return order >= 0;
+        return same | above;
     case QRY_LIB_OPERATION_TYPE_GREATER_EQUAL:
-        return order <= 0;
+        return same | below;
     default:
-        return false; // the list forms never reach a search
+        return 0; // the list forms never reach a search
     }
 }
 
@@ -120,11 +133,12 @@ bool holds(QRY_LIB_OPERATION_TYPE operation, int order) {
 struct key_span {
     std::uint32_t element_end; // where the platform stops writing: a composite reaches to its farthest member
     std::uint32_t value_end;   // where the compared value ends at the latest
+    bool is_known;             // the element is the schema's, so that the platform writes all of it
 };
 
 // An element outside the schema may be as large as any value.
 key_span find_span(std::uint32_t category, const qry_lib_tb_list_filter_key_ &key) {
-    key_span span{0, 0};
+    key_span span{0, 0, false};
     for (const norvane::database_schema *database : norvane::databases) {
         for (std::uint16_t t = 0; t < database->table_num; ++t) {
             const QRY_LIB_TABLE_DEF &table = database->tables[t];
@@ -140,52 +154,72 @@ key_span find_span(std::uint32_t category, const qry_lib_tb_list_filter_key_ &ke
         }
     }
     constexpr std::uint32_t largest = sizeof(QRY_LIB_COLUMN_VALUE);
+    span.is_known = span.element_end >= value_end(key);
     span.element_end = std::max(span.element_end == 0 ? largest : span.element_end, value_end(key));
     span.value_end = span.value_end == 0 ? span.element_end : span.value_end;
     return span;
 }
 
-// A key made ready to be compared with every record: its list table, and a number's value already loaded.
+// A key made ready to be compared with every record: its list table, and what would be the same each time.
 class search_key {
   public:
     search_key(std::uint32_t category, const qry_lib_tb_list_filter_key_ &key)
-        : key_(&key), span_(find_span(category, key)) {
+        : key_(&key), span_(find_span(category, key)), accepted_(accepted_orders(key.operation)),
+          is_or_(key.join == QRY_LIB_JOIN_TYPE_OR) {
         const std::uint32_t width = number_width(key.elem_type);
         if (width != 0 && key.cmp_size == width) {
             width_ = width;
             number_ = load_number(key.value, width);
+        } else if (key.operation == QRY_LIB_OPERATION_TYPE_LIKE) {
+            prefix_length_ = static_cast<std::uint32_t>(std::strlen(key.value));
         }
     }
 
     tbctListTable &list() { return list_; }
-    bool is_or() const { return key_->join == QRY_LIB_JOIN_TYPE_OR; }
+    bool is_or() const { return is_or_; }
 
     // Whether the record under the list's position satisfies the key. Its value is read into `buffer`.
     bool matches(element_buffer &buffer) {
-        buffer.clear(span_.element_end);
-        tbctSTCListTableGetVal(&list_, buffer.data());
-        const char *row = buffer.at(key_->member_offset);
-        if (width_ != 0) {
-            const std::uint32_t row_number = load_number(row, width_);
-            return holds(key_->operation, number_ < row_number ? -1 : number_ > row_number ? 1 : 0);
-        }
-        if (!is_string_element(key_->elem_type)) {
-            return holds(key_->operation, compare_bytes_of(*key_, row));
-        }
-        buffer.data()[span_.value_end] = '\0'; // a string may fill its element
-        if (key_->operation == QRY_LIB_OPERATION_TYPE_LIKE) {
-            const auto length = static_cast<std::uint32_t>(std::strlen(key_->value));
-            return norvane::tb_strncmp(key_->value, row, length) == 0;
-        }
-        return holds(key_->operation, norvane::tb_strcmp(key_->value, row));
+        const std::uint32_t order = width_ != 0 ? number_order(buffer) : value_order(buffer);
+        return (accepted_ & order) != 0;
     }
 
   private:
+    // A value that cannot be read counts as zeros, and so does what an unknown element does not reach.
+    void read(element_buffer &buffer) {
+        if (!span_.is_known) {
+            buffer.clear(span_.element_end);
+        }
+        if (tbctSTCListTableGetVal(&list_, buffer.data()) != 0) {
+            buffer.clear(span_.element_end);
+        }
+    }
+
+    std::uint32_t number_order(element_buffer &buffer) {
+        read(buffer);
+        return order_of(number_, load_number(buffer.at(key_->member_offset), width_));
+    }
+
+    std::uint32_t value_order(element_buffer &buffer) {
+        read(buffer);
+        const char *row = buffer.at(key_->member_offset);
+        if (!is_string_element(key_->elem_type)) {
+            return order_of(compare_bytes_of(*key_, row));
+        }
+        buffer.data()[span_.value_end] = '\0'; // a string may fill its element
+        return order_of(key_->operation == QRY_LIB_OPERATION_TYPE_LIKE
+                            ? norvane::tb_strncmp(key_->value, row, prefix_length_)
+                            : norvane::tb_strcmp(key_->value, row));
+    }
+
     const qry_lib_tb_list_filter_key_ *key_;
     tbctListTable list_{};
     key_span span_;
+    std::uint32_t accepted_;
+    bool is_or_;
     std::uint32_t width_ = 0; // bytes of a number that is compared whole; 0: anything else
     std::uint32_t number_ = 0;
+    std::uint32_t prefix_length_ = 0;
 };
 
 // The keys of a search and their list tables, deleted when the search ends.

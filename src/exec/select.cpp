@@ -53,13 +53,12 @@ int qry_lib_db_executer::exec_select(qry_lib_analyze_info const &info, record_li
 
 // A COUNT reads the key columns, or the edit counter's first, so that there is a row for each record.
 int qry_lib_db_executer::add_standard_cols(qry_lib_analyze_info &info) {
-    static constexpr QRY_LIB_COLUMN_VALUE no_value{};
     if (!catalog_->is_primary_filter_key(info.get_table())) {
         char name[sizeof(QRY_LIB_ELEMENT_INFO::name)];
         if (const int code = catalog_->get_first_field_name(info.get_table(), name); code != 0) {
             return trace_code(__func__, 1495, code);
         }
-        info.add_cols(name, no_value, QRY_LIB_COLUMN_TYPE_STR);
+        info.add_empty_col(name);
         return 0;
     }
     std::list<QRY_LIB_ELEMENT_INFO> keys;
@@ -67,7 +66,7 @@ int qry_lib_db_executer::add_standard_cols(qry_lib_analyze_info &info) {
         return trace_code(__func__, 1505, code);
     }
     for (const QRY_LIB_ELEMENT_INFO &key : keys) {
-        info.add_cols(key.name, no_value, QRY_LIB_COLUMN_TYPE_STR);
+        info.add_empty_col(key.name);
     }
     return 0;
 }
@@ -79,19 +78,16 @@ int qry_lib_db_executer::exec_select_proc(qry_lib_analyze_info const &info, reco
         return trace_code(__func__, 380, QRY_LIB_ROWSET_NOT_CREATED);
     }
     unfinished_rowset unfinished(rowset);
-    record_list sorted;
     if (is_sorted(info)) {
-        if (const int code = sort_tbdb_table_id(info, records, sorted); code != 0) {
+        if (const int code = sort_records(info, records); code != 0) {
             return trace_code(__func__, 387, code);
         }
-    } else {
-        sorted = std::move(records);
     }
     target_columns columns;
     if (const int code = resolve_columns(info, __func__, 400, 408, columns); code != 0) {
         return code;
     }
-    if (const int code = read_rows(columns, info.get_table(), sorted, rowset); code != 0) {
+    if (const int code = read_rows(columns, info.get_table(), records, rowset); code != 0) {
         return code;
     }
     unfinished.finish();

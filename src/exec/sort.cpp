@@ -34,23 +34,40 @@ constexpr compare_kind_row compare_kinds[] = {
 
 int qry_lib_db_executer::sort_tbdb_table_id(qry_lib_analyze_info const &info, record_list const &records,
                                             record_list &sorted) {
+    record_list own(records);
     char column[QRY_LIB_COLUMN_NAME_MAX + 1];
     QRY_LIB_ODER_TYPE order;
     info.get_order(column, order);
     if (order == QRY_LIB_ODER_TYPE_NOTHING) {
-        sorted = records;
+        sorted = std::move(own);
         return 0;
     }
+    if (const int code = sort_records(info, own); code != 0) {
+        return code;
+    }
+    sorted.splice(sorted.end(), own);
+    return 0;
+}
+
+int qry_lib_db_executer::sort_records(qry_lib_analyze_info const &info, record_list &records) {
+    static constexpr char name[] = "sort_tbdb_table_id";
+    char column[QRY_LIB_COLUMN_NAME_MAX + 1];
+    QRY_LIB_ODER_TYPE order;
+    info.get_order(column, order);
     QRY_LIB_ELEMENT_INFO element;
     if (const int code = catalog_->get_info(info.get_table(), column, element); code != 0) {
-        return trace_code(__func__, 1233, code);
+        return trace_code(name, 1233, code);
     }
     pool_block items;
     if (items.take(records.size(), sizeof(void *)) != 0) {
-        return trace_code(__func__, 1243, QRY_LIB_NO_MEMORY);
+        return trace_code(name, 1243, QRY_LIB_NO_MEMORY);
     }
     const auto count = static_cast<std::uint32_t>(records.size() * sizeof(void *));
-    return sort_tbdb_table_id_internal(items.as<void *>(), count, order, element, records, sorted);
+    record_list sorted;
+    const int code =
+        sort_tbdb_table_id_internal(items.as<void *>(), count, order, element, std::move(records), sorted);
+    records = std::move(sorted);
+    return code;
 }
 
 int qry_lib_db_executer::sort_tbdb_table_id_internal(void **items, std::uint32_t count,

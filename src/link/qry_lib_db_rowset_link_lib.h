@@ -48,7 +48,8 @@ class qry_lib_db_rowset_link_lib {
     int select_keys(const qry_lib_analyze_link_info &link_info, const qry_lib_db_rowset_ &table,
                     const QRY_LIB_RECORD_LINK &first, std::vector<join_key> &keys);
     int join_row(const qry_lib_db_rowset_ &table, const std::vector<join_key> &keys,
-                 const QRY_LIB_ROWSET_LINK &previous, QRY_LIB_ROWSET_LINK &joined);
+                 const QRY_LIB_ROWSET_LINK &previous, QRY_LIB_RECORD_LINK &candidate,
+                 QRY_LIB_ROWSET_LINK &joined);
     void append_row(const qry_lib_db_rowset_ &table, const char *label, QRY_LIB_RECORD_LINK &record);
     int fill_next_row(const QRY_LIB_RECORD_LINK &record, const qry_lib_analyze_link_info &link_info,
                       std::uint16_t col_num, qry_lib_db_rowset_ &rowset);

@@ -43,8 +43,8 @@ const QRY_LIB_COLUMN *find_column(const QRY_LIB_RECORD_LINK &record, const char 
                                   const char *col_name) {
     const auto found =
         std::find_if(record.cols.begin(), record.cols.end(), [&](const QRY_LIB_COLUMN &column) {
-            return std::strcmp(column.table_name, table_name) == 0 &&
-                   std::strcmp(column.col_name, col_name) == 0;
+            return std::strcmp(column.col_name, col_name) == 0 &&
+                   std::strcmp(column.table_name, table_name) == 0;
         });
     return found == record.cols.end() ? nullptr : &*found;
 }
@@ -102,6 +102,7 @@ void qry_lib_db_rowset_link_lib::append_row(const qry_lib_db_rowset_ &table, con
                                             QRY_LIB_RECORD_LINK &record) {
     const qry_lib_db_rowset_lib rows;
     std::uint16_t index = 0;
+    record.cols.reserve(record.cols.size() + static_cast<std::size_t>(table.records[table.current].col_num));
     for (const QRY_LIB_COLUMN *column = rows.col_at(table, index); column != nullptr;
          column = rows.col_at(table, ++index)) {
         output_print_add_col(label, *column);
@@ -119,11 +120,12 @@ int qry_lib_db_rowset_link_lib::join_table(const qry_lib_analyze_link_info &link
         return code;
     }
     const std::uint16_t row_num = rows.get_record_num(table);
+    QRY_LIB_RECORD_LINK candidate;
     for (std::uint16_t row = 0; row < row_num; ++row) {
         if (rows.next_record_index(table) == 0) {
             return refuse("link_rowset", 242);
         }
-        if (const int code = join_row(table, keys, previous, joined); code != 0) {
+        if (const int code = join_row(table, keys, previous, candidate, joined); code != 0) {
             return code;
         }
     }
@@ -172,12 +174,14 @@ int qry_lib_db_rowset_link_lib::select_keys(const qry_lib_analyze_link_info &lin
     return keys.empty() ? refuse(name, 233) : 0;
 }
 
-// Joins the row under the cursor with every row before it whose keys all equal its own.
+// Joins the row under the cursor with every row before it whose keys all equal its own. Each copy goes into
+// the same candidate, whose memory serves all of them: most are dropped.
 int qry_lib_db_rowset_link_lib::join_row(const qry_lib_db_rowset_ &table, const std::vector<join_key> &keys,
-                                         const QRY_LIB_ROWSET_LINK &previous, QRY_LIB_ROWSET_LINK &joined) {
+                                         const QRY_LIB_ROWSET_LINK &previous, QRY_LIB_RECORD_LINK &candidate,
+                                         QRY_LIB_ROWSET_LINK &joined) {
     const qry_lib_db_rowset_lib rows;
     for (const QRY_LIB_RECORD_LINK &before : previous.records) {
-        QRY_LIB_RECORD_LINK candidate(before);
+        candidate.cols.assign(before.cols.begin(), before.cols.end());
         bool hit = true;
         for (auto key = keys.begin(); hit && key != keys.end(); ++key) {
             const QRY_LIB_COLUMN *column = rows.col_at(table, key->index);
@@ -196,6 +200,7 @@ int qry_lib_db_rowset_link_lib::join_row(const qry_lib_db_rowset_ &table, const 
         }
         append_row(table, "add col(rs1)", candidate);
         joined.records.push_back(std::move(candidate));
+        candidate.cols.clear();
     }
     return 0;
 }

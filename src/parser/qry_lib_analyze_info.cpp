@@ -16,13 +16,21 @@ void qry_lib_analyze_info::set_table(const char *name) {
     }
 }
 
-void qry_lib_analyze_info::add_cols(const char *table, const char *col, const QRY_LIB_COLUMN_VALUE &value,
-                                    QRY_LIB_COLUMN_TYPE type) {
+QRY_LIB_COLUMN &qry_lib_analyze_info::add_col(const char *table, const char *col, QRY_LIB_COLUMN_TYPE type) {
     QRY_LIB_COLUMN &column = cols_.emplace_back();
     copy_bounded(column.col_name, col);
-    std::memcpy(&column.value, &value, sizeof value);
     column.type = type;
     copy_bounded(column.table_name, table);
+    return column;
+}
+
+void qry_lib_analyze_info::add_cols(const char *table, const char *col, const QRY_LIB_COLUMN_VALUE &value,
+                                    QRY_LIB_COLUMN_TYPE type) {
+    std::memcpy(&add_col(table, col, type).value, &value, sizeof value);
+}
+
+void qry_lib_analyze_info::add_empty_col(const char *col) {
+    add_col(get_table(), col, QRY_LIB_COLUMN_TYPE_STR);
 }
 
 void qry_lib_analyze_info::add_cols(const char *col, const QRY_LIB_COLUMN_VALUE &value,
@@ -43,7 +51,7 @@ void qry_lib_analyze_info::add_filter_cols(const char *table, const char *col, c
                                            std::int32_t quoted) {
     QRY_LIB_CONDITION &condition = filters_.emplace_back();
     condition.col_name = col;
-    copy_bounded(condition.value.str_value, value);
+    condition.value.assign(value, bounded_length(value, QRY_LIB_STRING_MAX));
     condition.operation = operation;
     condition.join = join;
     condition.table_name = table;
@@ -117,7 +125,7 @@ std::uint32_t qry_lib_analyze_info::get_filter_cols(std::uint16_t index, char *c
     }
     const QRY_LIB_CONDITION &condition = filters_[index];
     copy_bounded<QRY_LIB_COLUMN_NAME_MAX>(col, condition.col_name.c_str());
-    copy_bounded<QRY_LIB_STRING_MAX>(value, condition.value.str_value);
+    copy_bounded<QRY_LIB_STRING_MAX>(value, condition.value.c_str());
     operation = condition.operation;
     join = condition.join;
     quoted = condition.value_is_quoted;

@@ -10,11 +10,11 @@
 
 namespace norvane {
 
-// One comparison of a WHERE clause. The value is text without its quotes and zero behind it; it becomes a
-// number where the column's type is known.
+// One comparison of a WHERE clause. The value is text without its quotes; it becomes a number where the
+// column's type is known.
 struct QRY_LIB_CONDITION {
     std::string col_name;
-    QRY_LIB_COLUMN_VALUE value;
+    std::string value; // at most 2999 characters
     QRY_LIB_OPERATION_TYPE operation;
     QRY_LIB_JOIN_TYPE join;
     std::string table_name;
@@ -38,6 +38,9 @@ class qry_lib_analyze_info {
     void add_cols(const char *table, const char *col, const QRY_LIB_COLUMN_VALUE &value,
                   QRY_LIB_COLUMN_TYPE type);
     void add_cols(const char *col, const QRY_LIB_COLUMN_VALUE &value, QRY_LIB_COLUMN_TYPE type);
+
+    // A column of the first table that has no value yet: the empty string, zeros behind it.
+    void add_empty_col(const char *col);
     void add_filter_cols(const char *table, const char *col, const char *value,
                          QRY_LIB_OPERATION_TYPE operation, QRY_LIB_JOIN_TYPE join, std::int32_t quoted);
     void add_filter_cols(const char *col, const char *value, QRY_LIB_OPERATION_TYPE operation,
@@ -80,6 +83,8 @@ class qry_lib_analyze_info {
     void get_order(char *col, QRY_LIB_ODER_TYPE &order_type) const;
 
   private:
+    QRY_LIB_COLUMN &add_col(const char *table, const char *col, QRY_LIB_COLUMN_TYPE type);
+
     QRY_LIB_DB_QUERY_TYPE exec_type_ = QRY_LIB_DB_QUERY_TYPE_NONE;
     std::vector<QRY_LIB_COLUMN> cols_;
     std::vector<std::string> tables_; // the first is the query's main table

@@ -178,13 +178,11 @@ std::uint32_t qry_lib_sql_parser::set_select_cols(const std::string &cols, bool 
     return 0;
 }
 
-// Records a column without a value yet: the empty string, zeros behind it.
 std::uint32_t qry_lib_sql_parser::add_select_col(const std::string &col, qry_lib_analyze_info &info) const {
-    static constexpr QRY_LIB_COLUMN_VALUE no_value{};
     if (col.size() > QRY_LIB_COLUMN_NAME_MAX) {
         return trace_return("analyze_sql_select", __LINE__, QRY_LIB_NOT_ACCEPTED);
     }
-    info.add_cols(col.c_str(), no_value, QRY_LIB_COLUMN_TYPE_STR);
+    info.add_empty_col(col.c_str());
     return 0;
 }
 

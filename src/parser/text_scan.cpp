@@ -124,6 +124,9 @@ std::uint32_t qry_lib_sql_parser::divide_keyword(const char *text, const char *k
     const std::string_view whole(scratch.as<char>(), length);
     std::size_t cut = 0;
     for (std::size_t at = whole.find(keyword); at != whole.npos; at = whole.find(keyword, cut)) {
+        if (count == 0) {
+            pieces.reserve(pieces.size() + 2); // most texts are cut in two
+        }
         pieces.emplace_back(whole.substr(cut, at - cut));
         ++count;
         cut = at + std::strlen(keyword);
