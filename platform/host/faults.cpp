@@ -1,16 +1,12 @@
-// Which calls are to fail, and how many there were in all threads.
+// Which calls are to fail, and how many there were since the last clearing.
 #include "platform/host/faults.h"
 
-#include <algorithm>
 #include <array>
-#include <memory>
-#include <vector>
 
 #include "platform/host/guard.h"
 
 namespace qryhost {
 
-__thread thread_calls *calls_of_this_thread = nullptr;
 std::atomic<std::uint32_t> armed_calls{0};
 
 namespace {
@@ -25,9 +21,6 @@ struct fault {
 struct shared_state {
     guard_mutex lock;
     std::array<fault, QRYHOST_CALL_NUM> faults QRYLIB_GUARDED_BY(lock);
-    std::vector<std::unique_ptr<thread_calls>> threads QRYLIB_GUARDED_BY(lock);
-    std::array<std::uint32_t, QRYHOST_CALL_NUM>
-        ended QRYLIB_GUARDED_BY(lock) = {}; // calls of threads that have ended
     std::array<std::uint32_t, QRYHOST_CALL_NUM>
         cleared QRYLIB_GUARDED_BY(lock) = {}; // calls before the last qryhost_fail_clear
 };
@@ -37,30 +30,6 @@ shared_state &shared() {
     static shared_state *state = new shared_state;
     return *state;
 }
-
-std::uint32_t total(const shared_state &state, std::size_t call) QRYLIB_REQUIRES(state.lock) {
-    std::uint32_t calls = state.ended[call];
-    for (const auto &thread : state.threads) {
-        calls += thread->calls[call].load(std::memory_order_relaxed);
-    }
-    return calls;
-}
-
-// Adds the thread's calls to those of the threads that have ended, when it ends.
-struct end_of_thread {
-    ~end_of_thread() {
-        shared_state &state = shared();
-        const guard hold(state.lock);
-        const auto mine = std::find_if(state.threads.begin(), state.threads.end(), [](const auto &thread) {
-            return thread.get() == calls_of_this_thread;
-        });
-        for (std::size_t call = 0; call < QRYHOST_CALL_NUM; ++call) {
-            state.ended[call] += (*mine)->calls[call].load(std::memory_order_relaxed);
-        }
-        state.threads.erase(mine);
-        calls_of_this_thread = nullptr;
-    }
-};
 
 void arm(shared_state &state, std::size_t call, const fault &wanted) QRYLIB_REQUIRES(state.lock) {
     state.faults[call] = wanted;
@@ -77,15 +46,6 @@ bool is_call(qryhost_call call) {
 }
 
 } // namespace
-
-thread_calls *register_thread() {
-    shared_state &state = shared();
-    const guard hold(state.lock);
-    calls_of_this_thread = state.threads.emplace_back(new thread_calls()).get();
-    static thread_local end_of_thread at_end;
-    static_cast<void>(at_end);
-    return calls_of_this_thread;
-}
 
 std::uint32_t take_fault(qryhost_call call) {
     shared_state &state = shared();
@@ -121,7 +81,7 @@ void qryhost_fail_clear(void) {
     const qryhost::guard hold(state.lock);
     for (std::size_t call = 0; call < QRYHOST_CALL_NUM; ++call) {
         qryhost::arm(state, call, {});
-        state.cleared[call] = qryhost::total(state, call);
+        state.cleared[call] = qryhost::total_calls(static_cast<qryhost_call>(call));
     }
 }
 
@@ -131,7 +91,7 @@ std::uint32_t qryhost_call_count(qryhost_call call) {
     }
     qryhost::shared_state &state = qryhost::shared();
     const qryhost::guard hold(state.lock);
-    return qryhost::total(state, call) - state.cleared[call];
+    return qryhost::total_calls(static_cast<qryhost_call>(call)) - state.cleared[call];
 }
 
 } // extern "C"

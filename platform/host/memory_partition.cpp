@@ -1,17 +1,13 @@
 // The memory partition, backed by the process's allocator. Counts the blocks and bytes in use.
 #include <malloc.h>
 
-#include <atomic>
-#include <cstdlib>
+#include <algorithm>
+#include <cstddef>
 
 #include "platform/host/faults.h"
 #include "platform/os.h"
 
 namespace {
-
-std::atomic<std::uint32_t> blocks_in_use{0};
-std::atomic<std::size_t> bytes_in_use{0};
-std::atomic<std::size_t> peak_bytes{0};
 
 constexpr std::uint32_t partition_exhausted = 1;
 
@@ -25,15 +21,6 @@ bool keep_freed_memory_mapped() noexcept {
     return true;
 }
 
-void count_block(void *block) {
-    const std::size_t size = malloc_usable_size(block);
-    const std::size_t now = bytes_in_use.fetch_add(size, std::memory_order_relaxed) + size;
-    std::size_t peak = peak_bytes.load(std::memory_order_relaxed);
-    while (now > peak && !peak_bytes.compare_exchange_weak(peak, now, std::memory_order_relaxed)) {
-    }
-    blocks_in_use.fetch_add(1, std::memory_order_relaxed);
-}
-
 const bool freed_memory_stays_mapped = keep_freed_memory_mapped();
 
 } // namespace
@@ -44,32 +31,38 @@ std::uint32_t pfwOSWOrgAllocMemPart(std::uint32_t, void **block, std::uint32_t s
     if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_ALLOC)) {
         return fault;
     }
-    void *fresh = std::malloc(size);
+    qryhost::thread_state &mine = qryhost::own_state();
+    void *fresh = mine.freed_blocks.take(size);
     if (fresh == nullptr) {
         return partition_exhausted;
     }
     *block = fresh;
-    count_block(fresh);
+    qryhost::add(mine.blocks, 1);
+    mine.bytes += static_cast<std::ptrdiff_t>(malloc_usable_size(fresh));
+    mine.peak_bytes = std::max(mine.peak_bytes, mine.bytes);
     return 0;
 }
 
 std::uint32_t pfwOSWOrgFreeMemPart(std::uint32_t, void *block) {
-    bytes_in_use.fetch_sub(malloc_usable_size(block), std::memory_order_relaxed);
-    std::free(block);
-    blocks_in_use.fetch_sub(1, std::memory_order_relaxed);
+    qryhost::thread_state &mine = qryhost::own_state();
+    qryhost::add(mine.blocks, static_cast<std::uint32_t>(-1));
+    const std::size_t size = malloc_usable_size(block);
+    mine.bytes -= static_cast<std::ptrdiff_t>(size);
+    mine.freed_blocks.give_back(block, size);
     return 0;
 }
 
 std::uint32_t qryhost_pool_blocks(void) {
-    return blocks_in_use;
+    return qryhost::total_blocks();
 }
 
 std::uint64_t qryhost_pool_peak_bytes(void) {
-    return peak_bytes;
+    return static_cast<std::uint64_t>(std::max(qryhost::own_state().peak_bytes, std::ptrdiff_t{0}));
 }
 
 void qryhost_pool_reset_peak(void) {
-    peak_bytes = bytes_in_use.load();
+    qryhost::thread_state &mine = qryhost::own_state();
+    mine.peak_bytes = mine.bytes;
 }
 
 } // extern "C"

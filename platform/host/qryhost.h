@@ -64,12 +64,12 @@ typedef void (*qryhost_trace_sink)(void *context, uint32_t destination, uint32_t
 /* Sends the traces to `sink` instead of where QRYLIB_TRACE says; null drops them. */
 void qryhost_set_trace_sink(qryhost_trace_sink sink, void *context);
 
-/* Memory-partition blocks now in use. */
+/* Memory-partition blocks now in use, in all threads. */
 uint32_t qryhost_pool_blocks(void);
 
 /*
- * The most bytes that those blocks held at once since the last reset, as the workstation's allocator rounds
- * them. A reset starts from what is held at that moment.
+ * The most bytes that the calling thread had taken and not given back at once since its last reset, as the
+ * workstation's allocator rounds them. A reset starts from what is held at that moment.
  */
 uint64_t qryhost_pool_peak_bytes(void);
 void qryhost_pool_reset_peak(void);

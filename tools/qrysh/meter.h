@@ -16,7 +16,7 @@ const char *call_name(qryhost_call call);
 
 std::array<std::uint32_t, QRYHOST_CALL_NUM> count_calls();
 
-// Measures from its construction on. One at a time: the peak is the whole process's.
+// Measures from its construction on. One at a time in a thread: the peak is the thread's.
 class meter {
   public:
     meter();

@@ -1,4 +1,4 @@
-// Fault injection, memory partition, handle service, trace sink and the control calls around the store.
+// Fault injection, handle service, trace sink and the control calls around the store.
 #include <atomic>
 #include <cstddef>
 #include <cstring>
@@ -14,7 +14,6 @@ namespace {
 using namespace test;
 
 using faults = host_test;
-using memory_partition = host_test;
 using host_db_handle = host_test;
 using trace_sink = host_test;
 using control = host_test;
@@ -85,29 +84,6 @@ TEST_F(faults, counts_are_exact_across_threads) {
     }
     EXPECT_EQ(failed, 500);
     EXPECT_EQ(qryhost_call_count(QRYHOST_GET_STATUS), 4000u);
-}
-
-TEST_F(memory_partition, counts_the_blocks_in_use) {
-    const std::uint32_t before = qryhost_pool_blocks();
-    void *small = nullptr;
-    void *large = nullptr;
-    ASSERT_EQ(pfwOSWOrgAllocMemPart(0, &small, 1), 0u);
-    ASSERT_EQ(pfwOSWOrgAllocMemPart(0, &large, 63 * 1024), 0u);
-    EXPECT_EQ(qryhost_pool_blocks(), before + 2);
-    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(large) % alignof(std::max_align_t), 0u);
-    std::memset(large, 0xEE, 63 * 1024);
-    EXPECT_EQ(pfwOSWOrgFreeMemPart(0, small), 0u);
-    EXPECT_EQ(pfwOSWOrgFreeMemPart(0, large), 0u);
-    EXPECT_EQ(qryhost_pool_blocks(), before);
-}
-
-TEST_F(memory_partition, a_refusal_gives_no_block) {
-    const std::uint32_t before = qryhost_pool_blocks();
-    void *block = &block;
-    qryhost_fail(QRYHOST_ALLOC, 0, 1, 5);
-    EXPECT_EQ(pfwOSWOrgAllocMemPart(0, &block, 8), 5u);
-    EXPECT_EQ(block, static_cast<void *>(&block));
-    EXPECT_EQ(qryhost_pool_blocks(), before);
 }
 
 TEST_F(host_db_handle, handles_increase_and_are_never_zero) {
