@@ -1,10 +1,13 @@
 // Both engines in one program: the same data, the same statements, every value read.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 #include "allocations.h"
 #include "engines.h"
+#include "floors.h"
 #include "platform/host/qryhost.h"
 #include "statements.h"
 
@@ -51,9 +54,6 @@ void add(const std::string &name, Call call) {
 void add_select(const bench::select &select, const std::string &suffix) {
     const char *sql = select.sql;
     const std::string name = select.name + suffix;
-    if (!suffix.empty()) {
-        add(name + "/qrylib", [sql] { return bench::query(sql); });
-    }
     add(name + "/sqlite_fresh", [sql] { return bench::query(sqlite, sql); });
     sqlite3_stmt *kept = bench::prepare(sqlite, sql);
     add(name + "/sqlite_kept", [kept] { return bench::query(kept); });
@@ -89,14 +89,39 @@ void add_changes() {
     add("unused_id/sqlite_kept", [kept_ids] { return bench::query(kept_ids); });
 }
 
-// Both engines must answer alike before their times mean anything.
-int compare_answers() {
+void add_all() {
+    for (const bench::call &call : bench::library_calls()) {
+        add(call.name + "/qrylib", call.run);
+        add(call.name + "/platform_calls", bench::platform_calls_of(call.run));
+    }
+    add("join/plain_loop", bench::plain_join);
+    for (const bench::select &select : bench::selects) {
+        add_select(select, "");
+    }
+    add_changes();
+}
+
+// The statements that show how the cost grows with the records.
+void add_by_size() {
+    const std::string suffix = ":" + std::to_string(bench::department_num());
+    for (const std::size_t index : {0u, 2u, 5u}) {
+        const bench::select &select = bench::selects[index];
+        add(select.name + suffix + "/qrylib", [sql = select.sql] { return bench::query(sql); });
+        add_select(select, suffix);
+    }
+}
+
+// Both engines must answer alike before their times mean anything. The changes concern department 57.
+int compare_answers(bool with_changes) {
     int wrong = 0;
     for (const bench::select &select : bench::selects) {
         if (bench::query(select.sql) != bench::query(sqlite, select.sql)) {
             std::fprintf(stderr, "different answers: %s\n", select.sql);
             ++wrong;
         }
+    }
+    if (!with_changes) {
+        return wrong;
     }
     if (bench::update_one() != 0 || bench::delete_and_insert() != 0 || bench::unused_id() == 0) {
         std::fprintf(stderr, "a change fails\n");
@@ -111,22 +136,16 @@ int main(int argc, char **argv) {
     qryhost_set_trace_sink(nullptr, nullptr);
     sqlite = bench::open_database();
     bench::fill(sqlite);
-    if (compare_answers() != 0) {
+    const bool by_size = argc > 1 && std::strcmp(argv[1], "--by_size") == 0;
+    if (compare_answers(!by_size) != 0) {
         return 1;
     }
-    if (QRYLIB_BENCH_BY_SIZE) {
-        // Those that show how the cost grows with the records.
-        for (const std::size_t index : {0u, 2u, 5u}) {
-            add_select(bench::selects[index], ":" + std::to_string(bench::department_num()));
-        }
+    if (by_size) {
+        --argc;
+        std::rotate(argv + 1, argv + 2, argv + argc + 1);
+        add_by_size();
     } else {
-        for (const bench::call &call : bench::library_calls()) {
-            add(call.name + "/qrylib", call.run);
-        }
-        for (const bench::select &select : bench::selects) {
-            add_select(select, "");
-        }
-        add_changes();
+        add_all();
     }
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

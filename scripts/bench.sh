@@ -4,16 +4,22 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-scripts/install_packages.sh libbenchmark-dev libsqlite3-dev python3
+scripts/install_packages.sh
 cmake --preset release -DQRYLIB_BUILD_BENCH=ON >/dev/null
 cmake --build --preset release
 
 results=build/release/bench/results
 mkdir -p "$results"
 rm -f "$results"/*.json
-for program in build/release/bench/qrylib_bench*; do
-    [ -x "$program" ] || continue
-    "$program" --benchmark_repetitions=9 --benchmark_enable_random_interleaving=true --benchmark_min_time=0.05 \
-        --benchmark_out="$results/$(basename "$program").json" --benchmark_out_format=json "$@" >/dev/null
+
+# One program with its options; its results go to a file of its name.
+measure() {
+    build/release/bench/"$@" --benchmark_enable_random_interleaving=true --benchmark_out_format=json \
+        --benchmark_out="$results/$1.json" >/dev/null
+}
+
+measure qrylib_bench --benchmark_repetitions=9 --benchmark_min_time=0.05
+for records in 10 101 1000 10000 60000; do
+    measure "qrylib_bench_$records" --by_size --benchmark_repetitions=5 --benchmark_min_time=0.05
 done
 python3 bench/report.py "$results" docs

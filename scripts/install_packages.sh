@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ pkg-config libgtest-dev libcli11-dev libfmt-dev nlohmann-json3-dev libedit-dev
-    libutf8proc-dev libsqlite3-dev sqlite3 tmux mandoc clang clang-tidy cppcheck libclang-rt-dev g++-powerpc-linux-gnu
+    libutf8proc-dev libbenchmark-dev libsqlite3-dev sqlite3 tmux mandoc clang clang-tidy cppcheck libclang-rt-dev g++-powerpc-linux-gnu
     qemu-user abigail-tools)
 
 missing=()
