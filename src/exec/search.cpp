@@ -133,12 +133,11 @@ constexpr std::uint32_t accepted_orders(QRY_LIB_OPERATION_TYPE operation) {
 struct key_span {
     std::uint32_t element_end; // where the platform stops writing: a composite reaches to its farthest member
     std::uint32_t value_end;   // where the compared value ends at the latest
-    bool is_known;             // the element is the schema's, so that the platform writes all of it
 };
 
 // An element outside the schema may be as large as any value.
 key_span find_span(std::uint32_t category, const qry_lib_tb_list_filter_key_ &key) {
-    key_span span{0, 0, false};
+    key_span span{0, 0};
     for (const norvane::database_schema *database : norvane::databases) {
         for (std::uint16_t t = 0; t < database->table_num; ++t) {
             const QRY_LIB_TABLE_DEF &table = database->tables[t];
@@ -154,7 +153,6 @@ key_span find_span(std::uint32_t category, const qry_lib_tb_list_filter_key_ &ke
         }
     }
     constexpr std::uint32_t largest = sizeof(QRY_LIB_COLUMN_VALUE);
-    span.is_known = span.element_end >= value_end(key);
     span.element_end = std::max(span.element_end == 0 ? largest : span.element_end, value_end(key));
     span.value_end = span.value_end == 0 ? span.element_end : span.value_end;
     return span;
@@ -185,14 +183,10 @@ class search_key {
     }
 
   private:
-    // A value that cannot be read counts as zeros, and so does what an unknown element does not reach.
+    // What the platform does not write counts as zeros.
     void read(element_buffer &buffer) {
-        if (!span_.is_known) {
-            buffer.clear(span_.element_end);
-        }
-        if (tbctSTCListTableGetVal(&list_, buffer.data()) != 0) {
-            buffer.clear(span_.element_end);
-        }
+        buffer.clear(span_.element_end);
+        tbctSTCListTableGetVal(&list_, buffer.data());
     }
 
     std::uint32_t number_order(element_buffer &buffer) {
