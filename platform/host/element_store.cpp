@@ -15,21 +15,14 @@ namespace qryhost {
 element_store::element_store(store_memory memory)
     : layout_(store_layout::get()), memory_(std::move(memory)) {}
 
-void element_store::copy(std::size_t category, std::uint32_t offset, std::size_t size, void *bytes) {
-    // Reads are many and writes few: a reader takes the lock only where it met a writer.
-    if (copy_while_quiet(memory_, category, offset, size, bytes)) {
-        return;
-    }
+void element_store::copy_beside_writers(std::size_t category, std::uint32_t offset, std::size_t size,
+                                        void *bytes) {
     if (memory_.is_read_only()) {
         copy_without_lock(memory_, category, offset, size, bytes);
         return;
     }
     const value_lock hold(memory_, category);
     std::memcpy(bytes, memory_.region() + offset, size);
-}
-
-void element_store::read(const element_place &place, std::uint32_t record, void *buffer) {
-    copy(place.lock, place.value_offset(record), place.size, buffer);
 }
 
 void element_store::write(const element_place &place, std::uint32_t record, const void *buffer) {
@@ -78,12 +71,14 @@ void element_store::replace(const std::vector<std::uint8_t> &region) {
     }
 }
 
+// Finding the open store is one load.
+std::atomic<element_store *> open_now{nullptr};
+
 namespace {
 
-// Opening and closing are rare and take the lock; finding the open store is one load.
+// Opening and closing are rare and take the lock.
 guard_mutex opening_lock;
 std::unique_ptr<element_store> owned_store QRYLIB_GUARDED_BY(opening_lock);
-std::atomic<element_store *> open_now{nullptr};
 
 std::unique_ptr<element_store> make_store(const char *image_path) {
     return std::make_unique<element_store>(image_path == nullptr ? store_memory::private_memory()
@@ -102,10 +97,7 @@ element_store *open_default_store() {
 
 } // namespace
 
-element_store *current_store() noexcept {
-    if (element_store *store = open_now.load(std::memory_order_acquire)) {
-        return store;
-    }
+element_store *open_on_first_use() noexcept {
     element_store *store = nullptr;
     control([&store] { store = open_default_store(); });
     return store;

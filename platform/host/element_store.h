@@ -8,6 +8,7 @@
 // circle.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -28,7 +29,9 @@ class element_store {
     bool is_read_only() const { return memory_.is_read_only(); }
 
     // The record must exist; `buffer` is as large as the element, at any address.
-    void read(const element_place &place, std::uint32_t record, void *buffer);
+    void read(const element_place &place, std::uint32_t record, void *buffer) {
+        copy(place.lock, place.value_offset(record), place.size, buffer);
+    }
     void write(const element_place &place, std::uint32_t record, const void *buffer);
 
     // Copies the element's values of records 1 to `record_num`, back to back, as they are at one moment.
@@ -45,15 +48,28 @@ class element_store {
 
   private:
     std::vector<value_lock> hold_all();
-    void copy(std::size_t category, std::uint32_t offset, std::size_t size, void *bytes);
+
+    // Reads are many and writes few: a reader takes the lock only where it met a writer.
+    void copy(std::size_t category, std::uint32_t offset, std::size_t size, void *bytes) {
+        if (!copy_while_quiet(memory_, category, offset, size, bytes)) {
+            copy_beside_writers(category, offset, size, bytes);
+        }
+    }
+    void copy_beside_writers(std::size_t category, std::uint32_t offset, std::size_t size, void *bytes);
 
     const store_layout &layout_;
     store_memory memory_;
 };
 
+extern std::atomic<element_store *> open_now __attribute__((visibility("hidden")));
+element_store *open_on_first_use() noexcept;
+
 // The store that the process uses, opened on first use; null, with a sentence for qryhost_error(), when it
 // cannot be opened.
-element_store *current_store() noexcept;
+inline element_store *current_store() noexcept {
+    element_store *store = open_now.load(std::memory_order_acquire);
+    return store != nullptr ? store : open_on_first_use();
+}
 
 // The same for a control call: throws `refusal` when there is no store.
 element_store &required_store();

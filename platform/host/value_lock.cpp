@@ -11,36 +11,9 @@
 
 #include "platform/host/copy_value.h"
 
-#if defined(__SANITIZE_THREAD__)
-#define QRYHOST_UNDER_THREAD_SANITIZER 1
-#elif defined(__has_feature)
-#define QRYHOST_UNDER_THREAD_SANITIZER __has_feature(thread_sanitizer)
-#else
-#define QRYHOST_UNDER_THREAD_SANITIZER 0
-#endif
-
 namespace qryhost {
 
 namespace {
-
-bool is_odd(std::uint32_t sequence) {
-    return sequence % 2 != 0;
-}
-
-// Copies to or from a part of the region that another thread may be writing. A reader throws away what it
-// read while the sequence moved, so a torn copy does no harm; the thread sanitizer, which cannot know that,
-// is given single bytes that may be read and written at once.
-void copy_shared(void *to, const void *from, std::size_t size) {
-#if QRYHOST_UNDER_THREAD_SANITIZER
-    for (std::size_t i = 0; i < size; ++i) {
-        __atomic_store_n(static_cast<std::uint8_t *>(to) + i,
-                         __atomic_load_n(static_cast<const std::uint8_t *>(from) + i, __ATOMIC_RELAXED),
-                         __ATOMIC_RELAXED);
-    }
-#else
-    copy_value(to, from, size);
-#endif
-}
 
 const category_place &place_of(std::size_t category) {
     return store_layout::get().categories()[category];
@@ -186,18 +159,6 @@ void settle_write(store_memory &memory, std::size_t category) {
     }
     guard.sequence.store(sequence + 1, std::memory_order_release);
     guard.kind.store(write_none, std::memory_order_release);
-}
-
-bool copy_while_quiet(store_memory &memory, std::size_t category, std::uint32_t offset, std::size_t size,
-                      void *copy) {
-    const std::atomic<std::uint32_t> &sequence = memory.guard(category).sequence;
-    const std::uint32_t before = sequence.load(std::memory_order_acquire);
-    if (is_odd(before)) {
-        return false;
-    }
-    copy_shared(copy, memory.region() + offset, size);
-    std::atomic_thread_fence(std::memory_order_acquire);
-    return sequence.load(std::memory_order_relaxed) == before;
 }
 
 // While the sequence stays odd, the guard and what it refers to stay as they are.

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "platform/host/copy_value.h"
 #include "platform/host/store_memory.h"
 
 namespace qryhost {
@@ -41,10 +42,23 @@ bool names_a_write(store_memory &memory, std::size_t category);
 // the category for itself.
 void settle_write(store_memory &memory, std::size_t category);
 
+inline bool is_odd(std::uint32_t sequence) {
+    return sequence % 2 != 0;
+}
+
 // Copies bytes of the category's part of the region without its lock, where nobody writes meanwhile. False: a
 // write was in progress or came between, and the copy is worth nothing.
-bool copy_while_quiet(store_memory &memory, std::size_t category, std::uint32_t offset, std::size_t size,
-                      void *copy);
+inline bool copy_while_quiet(store_memory &memory, std::size_t category, std::uint32_t offset,
+                             std::size_t size, void *copy) {
+    const std::atomic<std::uint32_t> &sequence = memory.guard(category).sequence;
+    const std::uint32_t before = sequence.load(std::memory_order_acquire);
+    if (is_odd(before)) {
+        return false;
+    }
+    copy_shared(copy, memory.region() + offset, size);
+    std::atomic_thread_fence(std::memory_order_acquire);
+    return sequence.load(std::memory_order_relaxed) == before;
+}
 
 // The same whatever the writers do, for a mapping that cannot be written, and so not be locked either.
 void copy_without_lock(store_memory &memory, std::size_t category, std::uint32_t offset, std::size_t size,

@@ -25,7 +25,13 @@ class qry_lib_db_rowset_lib {
                           QRY_LIB_COLUMN &column) const;
 
     // The column itself, for reading or writing in place; null where set_col and get_col fail.
-    QRY_LIB_COLUMN *col_at(const qry_lib_db_rowset_ &rowset, std::uint16_t col_index) const;
+    QRY_LIB_COLUMN *col_at(const qry_lib_db_rowset_ &rowset, std::uint16_t col_index) const {
+        if (rowset.current < 0 || rowset.current >= rowset.record_num) {
+            return nullptr;
+        }
+        const QRY_LIB_RECORD &record = rowset.records[rowset.current];
+        return col_index < record.col_num ? &record.cols[col_index] : nullptr;
+    }
 
     // The first column of that name and table. 0, or 0xDB02 when there is none.
     std::uint32_t get_col_index(const qry_lib_db_rowset_ &rowset, const char *table_name,

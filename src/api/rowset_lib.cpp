@@ -59,15 +59,6 @@ void qry_lib_db_rowset_lib::delete_rowset(qry_lib_db_rowset_ &rowset) const {
     rowset.record_num = 0;
 }
 
-QRY_LIB_COLUMN *qry_lib_db_rowset_lib::col_at(const qry_lib_db_rowset_ &rowset,
-                                              std::uint16_t col_index) const {
-    if (rowset.current < 0 || rowset.current >= rowset.record_num) {
-        return nullptr;
-    }
-    const QRY_LIB_RECORD &record = rowset.records[rowset.current];
-    return col_index < record.col_num ? &record.cols[col_index] : nullptr;
-}
-
 std::uint32_t qry_lib_db_rowset_lib::set_col(qry_lib_db_rowset_ &rowset, std::uint16_t col_index,
                                              const QRY_LIB_COLUMN &column) const {
     QRY_LIB_COLUMN *place = col_at(rowset, col_index);

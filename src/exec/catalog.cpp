@@ -188,6 +188,15 @@ void qry_lib_table_element::conv_val_tbdb_to_db2e(const QRY_LIB_ELEMENT_INFO &in
     convert_element(info, buffer, column);
 }
 
+void qry_lib_table_element::conv_val_tbdb_to_db2e(const QRY_LIB_ELEMENT_INFO &info, char const *buffer,
+                                                  QRY_LIB_COLUMN &column) {
+    if (info.is_member == 1) {
+        conv_val_tbdb_to_db2e_internal(info, column.col_name, buffer, column);
+    } else {
+        convert_element(info, buffer, column);
+    }
+}
+
 int qry_lib_table_element::conv_val_db2e_to_tbdb(const QRY_LIB_ELEMENT_INFO &info,
                                                  QRY_LIB_COLUMN const &column, char *buffer) {
     const column_text value(column);

@@ -53,6 +53,9 @@ class qry_lib_table_element {
     void conv_val_tbdb_to_db2e(const QRY_LIB_ELEMENT_INFO &info, char const *col_name, char const *buffer,
                                QRY_LIB_COLUMN &column);
 
+    // The same for a column whose name stands there already.
+    void conv_val_tbdb_to_db2e(const QRY_LIB_ELEMENT_INFO &info, char const *buffer, QRY_LIB_COLUMN &column);
+
     // Column to element, through decimal text: writes at member_offset for a member. `buffer` holds
     // member_offset and 3000 bytes. Always 0.
     int conv_val_db2e_to_tbdb(const QRY_LIB_ELEMENT_INFO &info, QRY_LIB_COLUMN const &column, char *buffer);

@@ -135,8 +135,9 @@ int qry_lib_db_executer::read_rows(target_columns const &columns, const char *ta
             if (column == nullptr) {
                 return trace_code(name, 450, QRY_LIB_INVALID_ARGUMENT);
             }
-            catalog_->conv_val_tbdb_to_db2e(element, selected.column->col_name, buffer.data(), *column);
+            std::memcpy(column->col_name, selected.column->col_name, sizeof column->col_name);
             std::memcpy(column->table_name, table_name, sizeof table_name);
+            catalog_->conv_val_tbdb_to_db2e(element, buffer.data(), *column);
         }
     }
     return 0;
