@@ -3,8 +3,8 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ pkg-config libgtest-dev libcli11-dev libfmt-dev nlohmann-json3-dev libedit-dev
-    libutf8proc-dev libbenchmark-dev libsqlite3-dev sqlite3 tmux mandoc clang clang-tidy cppcheck libclang-rt-dev g++-powerpc-linux-gnu
-    qemu-user abigail-tools)
+    libutf8proc-dev libbenchmark-dev libsqlite3-dev sqlite3 tmux mandoc clang clang-tidy cppcheck libclang-rt-dev
+    g++-powerpc-linux-gnu qemu-user abigail-tools gcovr python3)
 
 missing=()
 for package in "${packages[@]}"; do
