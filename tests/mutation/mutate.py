@@ -21,8 +21,10 @@ ROOT = Path(__file__).resolve().parents[2]
 WORK = ROOT / 'build' / 'mutation'
 COPIED = ('CMakeLists.txt', 'cmake', 'docs', 'examples', 'include', 'platform', 'src', 'tests', 'tools')
 MEMORY_LIMIT = 4 << 30
-FILE_LIMIT = 64 << 20
-BUILD_SECONDS = 600
+FILE_LIMIT = 4 << 30  # a test writes far behind the start of a file with little in it
+BUILD_SECONDS = 1200
+# Half of the unit tests' time goes to the workstation's files, which notice little of src/: they run late.
+PLATFORM_SUITES = 'fixture.*:image.*'
 
 
 @dataclass
@@ -83,7 +85,8 @@ class Worker:
         self.build = WORK / str(number) / 'build'
         self.scratch = WORK / str(number) / 'scratch'
         self.tree.mkdir(parents=True, exist_ok=True)
-        self.environment = dict(os.environ, TMPDIR=str(self.scratch), MALLOC_PERTURB_='165')
+        self.environment = dict(os.environ, TMPDIR=str(self.scratch), MALLOC_PERTURB_='165',
+                                QRYLIB_TEST_SEED='1')
         self.seconds = {}  # what each step takes when nothing is wrong
         copy_tree(self.tree)
 
@@ -112,8 +115,11 @@ class Worker:
 
     def steps(self):
         """(target to build, name, command) of each test."""
-        for name in ('unit_tests', 'other_schema_tests'):
-            yield name, name, [self.build / 'tests' / name, '--gtest_fail_fast', '--gtest_brief=1']
+        for name, target, suites in (('unit_tests', 'unit_tests', '-' + PLATFORM_SUITES),
+                                     ('other_schema_tests', 'other_schema_tests', '*'),
+                                     ('unit_tests of the platform', 'unit_tests', PLATFORM_SUITES)):
+            yield target, name, [self.build / 'tests' / target, '--gtest_fail_fast', '--gtest_brief=1',
+                                 f'--gtest_filter={suites}']
         shell = self.build / 'tools' / 'qrysh' / 'qrysh'
         for text in sorted((self.tree / 'tests' / 'query').glob('*.sql')):
             yield 'qrysh', f'query.{text.stem}', [self.tree / 'tests' / 'query' / 'run.sh', text.stem, shell]

@@ -161,6 +161,20 @@ TEST_F(statement, equal_condition_must_fit_its_buffer) {
               (codes{{"qry_lib_db_wrapper_stmt_set_where_equal_str", QRY_LIB_INVALID_ARGUMENT}}));
 }
 
+TEST_F(statement, equal_condition_on_a_name_beyond_its_capacity_is_refused) {
+    const std::string longest(31, 'c');
+    const std::string longer(32, 'd');
+    qry_lib_db_stmt_set_where_equal_int(&stmt, longest.c_str(), 1);
+    qry_lib_db_stmt_set_where_equal_int(&stmt, longer.c_str(), 1);
+    qry_lib_db_stmt_set_where_equal_ulong(&stmt, longer.c_str(), 1);
+    qry_lib_db_stmt_set_where_equal_str(&stmt, longer.c_str(), "1");
+    EXPECT_STREQ(stmt.where_phrase, (longest + " = 1").c_str());
+    EXPECT_EQ(take_codes(),
+              (codes{{"qry_lib_db_wrapper_stmt_set_where_equal_int", QRY_LIB_INVALID_ARGUMENT},
+                     {"qry_lib_db_wrapper_stmt_set_where_equal_ulong", QRY_LIB_INVALID_ARGUMENT},
+                     {"qry_lib_db_wrapper_stmt_set_where_equal_str", QRY_LIB_INVALID_ARGUMENT}}));
+}
+
 TEST_F(statement, replaced_phrases_are_lost) {
     const std::uint32_t blocks = qryhost_pool_blocks();
     qry_lib_db_stmt_set_where_phrase(&stmt, "A = 1");
@@ -230,11 +244,15 @@ TEST_F(statement, null_arguments_are_ignored_and_traced) {
     qry_lib_db_stmt_set_where_phrase(nullptr, "A");
     qry_lib_db_stmt_set_where_phrase(&stmt, nullptr);
     qry_lib_db_stmt_set_where_equal_int(&stmt, nullptr, 1);
+    qry_lib_db_stmt_set_where_equal_int(nullptr, "A", 1);
+    qry_lib_db_stmt_set_where_equal_ulong(&stmt, nullptr, 1);
     qry_lib_db_stmt_set_where_equal_ulong(nullptr, "A", 1);
+    qry_lib_db_stmt_set_where_equal_str(&stmt, nullptr, "a");
+    qry_lib_db_stmt_set_where_equal_str(nullptr, "A", "a");
     qry_lib_db_stmt_set_orderby_phrase(&stmt, nullptr);
     qry_lib_db_stmt_set_orderby_phrase(nullptr, "A");
     const auto traced = take_codes();
-    EXPECT_EQ(traced.size(), 16u);
+    EXPECT_EQ(traced.size(), 20u);
     for (const auto &[function, code] : traced) {
         EXPECT_EQ(code, QRY_LIB_INVALID_ARGUMENT) << function;
     }

@@ -184,6 +184,40 @@ TEST_F(catalog, first_field_and_category) {
     EXPECT_EQ(category, 0x05150706u);
 }
 
+// A table that the schema names but has no rows of.
+class rowless_catalog final : public qry_lib_table_element {
+  public:
+    bool is_primary_filter_key(char const *) override { return true; }
+    int conv_val_db2e_to_tbdb_internal(QRY_LIB_ELEMENT_INFO, char const *, QRY_LIB_COLUMN_TYPE, char const *,
+                                       char *) override {
+        return 0;
+    }
+    void conv_val_tbdb_to_db2e_internal(QRY_LIB_ELEMENT_INFO, char const *, char const *,
+                                        QRY_LIB_COLUMN &) override {}
+    const QRY_LIB_ELEMENT_DEF *get_table_info_(char const *, short &element_num) override {
+        element_num = 0;
+        return &behind_the_rows;
+    }
+
+  private:
+    QRY_LIB_ELEMENT_DEF behind_the_rows{1, {"ID", 0x05050505, 1, 2, 2, 0, 0}};
+};
+
+TEST_F(catalog, a_table_without_rows_answers_like_an_unknown_one) {
+    rowless_catalog rowless;
+    QRY_LIB_ELEMENT_INFO info{};
+    std::list<QRY_LIB_ELEMENT_INFO> keys;
+    char name[40] = "kept";
+    unsigned int category = 7;
+    EXPECT_EQ(rowless.get_info("T", "ID", info), invalid_argument);
+    EXPECT_EQ(rowless.get_primary_key("T", keys), invalid_argument);
+    EXPECT_EQ(rowless.get_first_field_name("T", name), invalid_argument);
+    EXPECT_EQ(rowless.get_tbdb_category_id("T", category), invalid_argument);
+    EXPECT_TRUE(keys.empty());
+    EXPECT_STREQ(name, "kept");
+    EXPECT_EQ(category, 7u);
+}
+
 TEST_F(catalog, only_the_edit_counter_is_searched_without_its_key) {
     for (qry_lib_table_element *in : all) {
         EXPECT_FALSE(in->is_primary_filter_key("EDIT_CNT_TBL"));

@@ -165,6 +165,13 @@ TEST_F(record_search, only_cmp_size_bytes_are_compared_most_significant_first) {
     EXPECT_EQ(find(edit_counters, {cut}), numbers{});
     cut.operation = QRY_LIB_OPERATION_TYPE_LESS;
     EXPECT_EQ(find(edit_counters, {cut}), up_to(2));
+    cut.operation = QRY_LIB_OPERATION_TYPE_GREATER;
+    EXPECT_EQ(find(edit_counters, {cut}), numbers{});
+    key below = number_key(edit_counter_count, 4, QRY_LIB_OPERATION_TYPE_GREATER, std::uint32_t{0x0101FFFF});
+    below.cmp_size = 2;
+    EXPECT_EQ(find(edit_counters, {below}), up_to(2));
+    below.operation = QRY_LIB_OPERATION_TYPE_LESS;
+    EXPECT_EQ(find(edit_counters, {below}), numbers{});
     cut.operation = QRY_LIB_OPERATION_TYPE_EQUAL;
     cut.cmp_size = 0;
     EXPECT_EQ(find(edit_counters, {cut}), up_to(2));

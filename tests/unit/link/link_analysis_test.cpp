@@ -432,6 +432,9 @@ TEST_F(link_condition, without_room_for_its_key_column_is_refused) {
     EXPECT_EQ(take_codes(), codes);
     EXPECT_EQ(per_table[0].get_cols_num(), 65535);
     EXPECT_EQ(link("a.X", "b.K"), 0u);
+    EXPECT_EQ(link("b.L", "a.K"), QRY_LIB_NOT_ACCEPTED);
+    EXPECT_EQ(take_codes(), codes);
+    EXPECT_EQ(columns_text(per_table[1]), "b.K b.L");
 }
 
 TEST_F(link_condition, each_memory_failure_ends_it_at_its_place) {

@@ -164,6 +164,17 @@ TEST_F(rowset_link, a_row_without_the_key_column_is_refused) {
     expect_failure({"link_rowset:256 0xDB05"});
 }
 
+TEST_F(rowset_link, an_earlier_row_without_the_key_column_equals_no_row) {
+    info.add_rowset(test::make_rowset({{number_column("A", "K", uint_type, 1)},
+                                       {number_column("A", "OTHER", uint_type, 1)},
+                                       {number_column("A", "K", uint_type, 1)}}));
+    add_table("B", {{1, "b"}});
+    add_link("A", "K", "B", "K");
+    EXPECT_EQ(join(), (texts{"1,1,b", "1,1,b"}));
+    EXPECT_EQ(code, 0);
+    EXPECT_EQ(take_chain(), texts{});
+}
+
 TEST_F(rowset_link, a_selected_column_that_no_table_returned_is_refused) {
     add_table("A", {{1, "a"}});
     add_table("B", {{1, "b"}});

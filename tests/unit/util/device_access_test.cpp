@@ -1,9 +1,13 @@
 // The device access file, in a folder of the test's own.
 #include <qrylib/device_data.h>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -67,6 +71,55 @@ TEST_F(device_access, init_that_cannot_create_the_file_goes_on) {
     fs::create_symlink("nowhere/at/all", "test_file_debug.dat");
     qry_lib_dev_access_init(16);
     EXPECT_FALSE(fs::exists("test_file_debug.dat"));
+}
+
+volatile std::sig_atomic_t refused_writes = 0;
+
+// Lets no file of the process grow beyond a size while it lives, and counts the writes that try.
+class file_size_limit {
+  public:
+    explicit file_size_limit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, count)) {
+        refused_writes = 0;
+        ::getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit limit{bytes, before_.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    file_size_limit(const file_size_limit &) = delete;
+    file_size_limit &operator=(const file_size_limit &) = delete;
+    ~file_size_limit() {
+        ::setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, handler_);
+    }
+
+  private:
+    static void count(int) { refused_writes = refused_writes + 1; }
+
+    rlimit before_{};
+    void (*handler_)(int);
+};
+
+TEST_F(device_access, init_ends_where_the_device_is_full) {
+    {
+        const file_size_limit limit(8192);
+        qry_lib_dev_access_init(1 << 20);
+    }
+    EXPECT_EQ(contents(), std::string(8192, '\0'));
+    // The write that fails, and what the file's closing may still try.
+    EXPECT_GE(refused_writes, 1);
+    EXPECT_LE(refused_writes, 2);
+}
+
+TEST_F(device_access, without_its_position_nothing_is_transferred) {
+    // A pipe has bytes, but no positions.
+    ASSERT_EQ(::mkfifo("test_file_debug.dat", 0600), 0);
+    const int pipe = ::open("test_file_debug.dat", O_RDWR | O_NONBLOCK);
+    ASSERT_NE(pipe, -1);
+    EXPECT_EQ(qry_lib_dev_access_write(0, 0, "abc", 3), 0u);
+    char byte = '-';
+    EXPECT_EQ(::read(pipe, &byte, 1), -1);
+    EXPECT_EQ(::write(pipe, "xyz", 3), 3);
+    EXPECT_EQ(read(0, 3), "---");
+    ::close(pipe);
 }
 
 TEST_F(device_access, writes_are_read_back) {
