@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Changes src/ in one small place after the other and lists the changes that no quick test notices:
-# mutation_check.sh [--count N] [--seed S] [--list]. Works on copies under build/mutation. Takes an hour for 100.
+# mutation_check.sh [--count N] [--seed S] [--list]. Works on copies under build/mutation. 100 take
+# minutes.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-scripts/install_packages.sh python3
-exec python3 tests/mutation/mutate.py "$@"
+scripts/install_packages.sh
+exec python3 -B tests/mutation/mutate.py "$@"

@@ -243,10 +243,11 @@ std::uint32_t qry_lib_sql_parser::trim_bracket_str(std::string &value) const {
     if (copy_to_scratch(scratch, value.c_str(), value.size()) != 0) {
         return trace_return(__func__, 2584, QRY_LIB_NO_MEMORY);
     }
-    // Runs of brackets are dropped at both ends; they are not matched against each other.
+    // Runs of brackets are dropped at both ends; they are not matched against each other. Both runs end
+    // within the value, which has a bracket of the other kind.
     const std::size_t begin = value.find_first_not_of('(');
     const std::size_t last = value.find_last_not_of(')');
-    if (begin == std::string::npos || last == std::string::npos || last < begin) {
+    if (last < begin) {
         return QRY_LIB_NOT_ACCEPTED;
     }
     value.assign(scratch.as<char>() + begin, last + 1 - begin);

@@ -35,6 +35,11 @@ class Result:
     by: str = ''  # what noticed it
 
 
+def read_sources():
+    return {str(file.relative_to(ROOT)): file.read_text()
+            for file in sorted((ROOT / 'src').rglob('*')) if file.suffix in ('.cpp', '.h')}
+
+
 def set_limits():
     resource.setrlimit(resource.RLIMIT_AS, (MEMORY_LIMIT, MEMORY_LIMIT))
     resource.setrlimit(resource.RLIMIT_FSIZE, (FILE_LIMIT, FILE_LIMIT))
@@ -226,8 +231,7 @@ def main():
     parser.add_argument('--list', action='store_true', help='show what the seed draws; change and build nothing')
     options = parser.parse_args()
 
-    sources = {str(file.relative_to(ROOT)): file.read_text()
-               for file in sorted((ROOT / 'src').rglob('*')) if file.suffix in ('.cpp', '.h')}
+    sources = read_sources()
     drawn = draw(sources, options.seed)
     if options.list:
         for path, mutation in drawn[:options.count]:

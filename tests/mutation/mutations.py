@@ -144,10 +144,12 @@ def is_binary(source, token):
 
 
 def is_array_size(tokens, i):
-    """A number that sizes the array that is being declared."""
-    if i < 3 or tokens[i - 1].text != '[' or tokens[i - 2].kind != 'word':
+    """A part of the size of the array that is being declared."""
+    while i >= 0 and tokens[i].text not in ('[', ']', ';', '{', '}', ','):
+        i -= 1
+    if i < 2 or tokens[i].text != '[' or tokens[i - 1].kind != 'word':
         return False
-    before = tokens[i - 3]
+    before = tokens[i - 2]
     return before.text in ('*', '>') or (before.kind == 'word' and before.text not in ('return', 'case', 'else'))
 
 
@@ -195,6 +197,8 @@ def is_declaration(tokens, at, end):
 def droppable(tokens, at):
     """The index of the `;` that ends the statement at `at`, or None when it is not to be dropped."""
     first = tokens[at]
+    if first.text == 'break' and tokens[at - 2].text == 'default':
+        return None  # at the end of a switch, which ends without it too
     if first.text in KEPT_STATEMENTS and not (first.text == 'return' and tokens[at + 1].text == ';'):
         return None
     if first.kind != 'word' and first.text not in ('*', '++', '--', '('):
@@ -214,7 +218,9 @@ def droppable(tokens, at):
 def token_changes(source, tokens, i, place):
     """(kind, replacement) for each change of one token."""
     token = tokens[i]
-    if token.kind == 'number' and not is_array_size(tokens, i):
+    if is_array_size(tokens, i):
+        return []
+    if token.kind == 'number':
         return [('constant', text) for text in number_changes(token.text)]
     if i > 0 and tokens[i - 1].text == 'operator':
         return []

@@ -117,7 +117,10 @@ TEST_F(member, overlapping_members_write_over_each_other) {
     EXPECT_EQ(select(selection().column("PORT_NO").column("RET")),
               (texts{std::to_string('n') + "," + std::to_string(0x6E6E6E6E)}));
     // The address now runs to the end of its 129 bytes without a terminator.
-    EXPECT_EQ(select(selection().column("ADDRESS")), texts{std::string(21, 'a') + std::string(108, 'n')});
+    const std::string address = std::string(21, 'a') + std::string(108, 'n');
+    EXPECT_EQ(select(selection().column("ADDRESS")), texts{address});
+    EXPECT_EQ(select(selection().column("JOB_ID").where("ADDRESS", QRY_LIB_OPERATION_TYPE_EQUAL, address)),
+              texts{"1"});
 }
 
 TEST_F(member, a_string_longer_than_its_member_is_refused) {

@@ -230,6 +230,20 @@ TEST_F(statement, memory_failures_leave_the_statement_as_it_was) {
     EXPECT_EQ(stmt.orderby_phrase, nullptr);
 }
 
+TEST_F(statement, a_longer_condition_without_memory_leaves_the_earlier_one) {
+    qry_lib_db_stmt_set_where_equal_int(&stmt, "A", 1);
+    const std::uint32_t blocks = qryhost_pool_blocks();
+    qryhost_fail(QRYHOST_ALLOC, 0, 1, 77);
+    qry_lib_db_stmt_set_where_equal_int(&stmt, "A", 12345);
+    qryhost_fail_clear();
+    EXPECT_STREQ(stmt.where_phrase, "A = 1");
+    EXPECT_EQ(qryhost_pool_blocks(), blocks);
+    EXPECT_EQ(take_codes(), (codes{{"qry_lib_db_wrapper_stmt_set_where_equal_int", QRY_LIB_NO_MEMORY}}));
+    qry_lib_db_stmt_set_where_equal_int(&stmt, "A", 12345);
+    EXPECT_STREQ(stmt.where_phrase, "A = 12345");
+    EXPECT_EQ(qryhost_pool_blocks(), blocks);
+}
+
 TEST_F(statement, null_arguments_are_ignored_and_traced) {
     qry_lib_db_stmt_init(nullptr);
     qry_lib_db_stmt_term(nullptr);

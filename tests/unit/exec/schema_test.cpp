@@ -4,6 +4,7 @@
 #include <set>
 
 #include "exec/qry_lib_table_element.h"
+#include "exec/schema/rows.h"
 #include "exec/schema/schema.h"
 #include "unit/host/host_test.h"
 #include "util/tb_string.h"
@@ -124,6 +125,33 @@ TEST(schema, names_ascend_and_sizes_follow_the_types) {
                 EXPECT_TRUE(info.is_member == 1 || info.member_offset == 0);
             }
         }
+    }
+}
+
+// What keeps a wrong row of the schema from compiling.
+TEST(schema, rows_out_of_order_or_out_of_reach_are_noticed) {
+    using norvane::element_int;
+    const norvane::category category{7};
+    const auto sorted =
+        category.rows({norvane::key("A", element_int, 4, 1), norvane::column("B", element_int, 4, 2),
+                       norvane::member("C", element_int, 4, 3, norvane::member_offset_max)});
+    const auto turned =
+        category.rows({norvane::column("B", element_int, 4, 1), norvane::column("A", element_int, 4, 2)});
+    const auto doubled =
+        category.rows({norvane::column("A", element_int, 4, 1), norvane::column("A", element_int, 4, 2)});
+    const auto far = category.rows({norvane::member("A", element_int, 4, 1, norvane::member_offset_max + 1)});
+    const QRY_LIB_TABLE_DEF right[] = {norvane::table("S", sorted), norvane::table("T", sorted)};
+    EXPECT_TRUE(norvane::is_sorted(right));
+    const QRY_LIB_TABLE_DEF wrong_order[] = {norvane::table("T", sorted), norvane::table("S", sorted)};
+    EXPECT_FALSE(norvane::is_sorted(wrong_order));
+    const QRY_LIB_TABLE_DEF same_name[] = {norvane::table("T", sorted), norvane::table("T", sorted)};
+    EXPECT_FALSE(norvane::is_sorted(same_name));
+    for (const QRY_LIB_TABLE_DEF &wrong :
+         {norvane::table("T", turned), norvane::table("T", doubled), norvane::table("T", far)}) {
+        const QRY_LIB_TABLE_DEF first[] = {wrong, norvane::table("U", sorted)};
+        EXPECT_FALSE(norvane::is_sorted(first));
+        const QRY_LIB_TABLE_DEF last[] = {norvane::table("S", sorted), wrong};
+        EXPECT_FALSE(norvane::is_sorted(last));
     }
 }
 
