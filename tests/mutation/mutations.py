@@ -205,6 +205,8 @@ def droppable(tokens, at):
         return None
     end = at
     while end < len(tokens) and tokens[end].text != ';':
+        if tokens[end].text.startswith('reserve') and tokens[end + 1].text == '(':
+            return None  # room taken beforehand saves time and decides nothing
         if tokens[end].text in ('(', '{', '['):
             end = closing(tokens, end)
         elif tokens[end].text in (')', '}', ']'):
