@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Changes src/ in one small place after the other and lists the changes that no quick test notices:
-# mutation_check.sh [--count N] [--seed S] [--list]. Works on copies under build/mutation. 100 take
-# minutes.
+# mutation_check.sh [--count N] [--seed S] [--list]. Works on copies under build/mutation; a hundred changes take some
+# minutes. Works from any folder; installs what is missing.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 

@@ -15,6 +15,9 @@ std::uint32_t __real_tbSTCInitTable(std::uint32_t category, std::uint32_t record
 std::uint32_t __real_tbctResetTable(std::uint32_t category);
 std::uint32_t __real_tbctSTCSetStatus(std::uint32_t requester, std::uint32_t category, std::uint32_t element,
                                       const void *buffer);
+std::uint32_t __real_tbctSTCCreateListTable(std::uint32_t category, std::uint32_t element,
+                                            std::uint16_t record_num, tbctListTable *list);
+std::uint32_t __real_tbctSTCDeleteListTable(tbctListTable *list, std::uint32_t option);
 std::uint32_t __real_tbctSTCListTableGetVal(tbctListTable *list, void *buffer);
 }
 
@@ -39,6 +42,7 @@ std::size_t write_num = 0;
 bool recording = false;
 std::vector<category_image> images;
 
+std::int32_t open_list_num = 0;
 std::uint32_t list_values_skipped = 0;
 std::uint32_t list_values_left = 0;
 
@@ -145,6 +149,10 @@ std::vector<category_image> stop_recording() {
     return images;
 }
 
+std::int32_t open_lists() {
+    return open_list_num;
+}
+
 void leave_list_values(std::uint32_t skip, std::uint32_t times) {
     list_values_skipped = skip;
     list_values_left = times;
@@ -172,6 +180,19 @@ std::uint32_t __wrap_tbctSTCSetStatus(std::uint32_t requester, std::uint32_t cat
                                       const void *buffer) {
     const std::uint32_t code = __real_tbctSTCSetStatus(requester, category, element, buffer);
     return fault::noted(code, category, fault::none, element, buffer);
+}
+
+std::uint32_t __wrap_tbctSTCCreateListTable(std::uint32_t category, std::uint32_t element,
+                                            std::uint16_t record_num, tbctListTable *list) {
+    const std::uint32_t code = __real_tbctSTCCreateListTable(category, element, record_num, list);
+    fault::open_list_num += code == 0 ? 1 : 0;
+    return code;
+}
+
+std::uint32_t __wrap_tbctSTCDeleteListTable(tbctListTable *list, std::uint32_t option) {
+    constexpr tbctListTable not_open{};
+    fault::open_list_num -= std::memcmp(list, &not_open, sizeof not_open) == 0 ? 0 : 1;
+    return __real_tbctSTCDeleteListTable(list, option);
 }
 
 std::uint32_t __wrap_tbctSTCListTableGetVal(tbctListTable *list, void *buffer) {

@@ -33,6 +33,9 @@ std::vector<store_write> journal();
 void start_recording();
 std::vector<category_image> stop_recording();
 
+// List tables that were created and are not deleted.
+std::int32_t open_lists();
+
 // From the list values that the library reads from now on, `skip` are delivered; the next `times` leave the
 // buffer as it is, and are reported as read all the same.
 void leave_list_values(std::uint32_t skip, std::uint32_t times);

@@ -144,6 +144,7 @@ class sweep : public ::testing::TestWithParam<std::size_t> {
         disarm();
         result.new_taken = new_in_use() - in_use;
         result.blocks_taken = qryhost_pool_blocks() - blocks;
+        EXPECT_EQ(open_lists(), 0);
         result.writes = journal();
         result.chain = seen_traces();
         return result;

@@ -238,7 +238,8 @@ TEST_F(catalog, elements_become_columns_with_their_own_type) {
     } const numbers[] = {{0, &word, 4}, {1, &byte, 1}, {2, &half, 2}, {3, &word, 4}, {4, &word, 4}};
     for (const auto &number : numbers) {
         SCOPED_TRACE(number.elem_type);
-        alignas(8) char buffer[16] = {};
+        alignas(8) char buffer[16]; // what lies behind the number is another member's
+        std::memset(buffer, 0x77, sizeof buffer);
         std::memcpy(buffer, number.bytes, number.size);
         QRY_LIB_COLUMN column = stray_column();
         address.conv_val_tbdb_to_db2e(element(number.elem_type, number.size), "A_NAME", buffer, column);
@@ -360,7 +361,7 @@ QRY_LIB_COLUMN text_column(const std::string &text) {
 }
 
 QRY_LIB_COLUMN number_column(std::uint32_t type, std::uint32_t value) {
-    QRY_LIB_COLUMN column{};
+    QRY_LIB_COLUMN column = stray_column(); // an earlier value's bytes lie behind the number
     switch (type) {
     case QRY_LIB_COLUMN_TYPE_UCHAR:
         column.value.uchar_value = static_cast<std::uint8_t>(value);

@@ -348,6 +348,11 @@ TEST_F(filter_key, more_keys_than_16_bits_count_are_not_accepted) {
     keys.resize(65536);
     EXPECT_EQ(executer.create_search_table_id(departments, keys, records), test::not_accepted);
     expect_traces({{"create_search_table_id", test::any_line, 0xDB00}});
+    // One key less, and the partition is asked for room.
+    keys.pop_back();
+    qryhost_fail(QRYHOST_ALLOC, 0, 1, injected);
+    EXPECT_EQ(executer.create_search_table_id(departments, keys, records), test::no_memory);
+    expect_traces({{"create_search_table_id", 1430, 1}});
 }
 
 TEST_F(filter_key, a_search_without_memory_fails) {
