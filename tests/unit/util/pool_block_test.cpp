@@ -76,6 +76,11 @@ TEST_F(owned_block, beyond_32_bits_is_refused_without_a_request) {
     EXPECT_EQ(block.take(UINT64_MAX, UINT64_MAX), QRY_LIB_NO_MEMORY);
     EXPECT_EQ(qryhost_call_count(QRYHOST_ALLOC), 0u);
     EXPECT_EQ(block.as<char>(), nullptr);
+    // What it held is given back all the same, once.
+    ASSERT_EQ(block.take(1), 0u);
+    EXPECT_EQ(block.take(std::uint64_t{1} << 32), QRY_LIB_NO_MEMORY);
+    EXPECT_EQ(block.as<char>(), nullptr);
+    EXPECT_EQ(taken(), 0u);
 }
 
 TEST_F(owned_block, is_none_when_the_partition_refuses) {
