@@ -190,8 +190,9 @@ std::uint32_t __wrap_tbctSTCCreateListTable(std::uint32_t category, std::uint32_
 }
 
 std::uint32_t __wrap_tbctSTCDeleteListTable(tbctListTable *list, std::uint32_t option) {
+    // With an option other than 0 the device might keep it.
     constexpr tbctListTable not_open{};
-    fault::open_list_num -= std::memcmp(list, &not_open, sizeof not_open) == 0 ? 0 : 1;
+    fault::open_list_num -= option != 0 || std::memcmp(list, &not_open, sizeof not_open) == 0 ? 0 : 1;
     return __real_tbctSTCDeleteListTable(list, option);
 }
 

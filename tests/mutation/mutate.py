@@ -128,6 +128,10 @@ class Worker:
         shell = self.build / 'tools' / 'qrysh' / 'qrysh'
         for text in sorted((self.tree / 'tests' / 'query').glob('*.sql')):
             yield 'qrysh', f'query.{text.stem}', [self.tree / 'tests' / 'query' / 'run.sh', text.stem, shell]
+        yield 'fault_tests', 'fault_tests', [self.build / 'tests' / 'fault_tests',
+                                             self.tree / 'docs' / 'trace-points.tsv', self.tree / 'src',
+                                             self.tree / 'examples' / 'office.json', '--gtest_fail_fast',
+                                             '--gtest_brief=1']
 
     def first_failure(self):
         """The name of the first test that fails, '' for none, None when the library does not compile."""
@@ -157,7 +161,7 @@ def prepare(worker):
     """The unchanged tree must build and pass, or nothing that follows means anything."""
     if not worker.configure():
         return 'the build cannot be configured'
-    for target in ('unit_tests', 'other_schema_tests', 'qrysh'):
+    for target in dict.fromkeys(step[0] for step in worker.steps()):
         if not worker.make(target):
             return f'{target} does not build'
     failed = worker.first_failure()
@@ -215,7 +219,7 @@ def summary(seed, results, sources):
     refused = sum(r.verdict == 'refused' for r in results)
     lines = ['', f'seed {seed}: {len(noticed)} of {len(noticed) + len(survived)} mutations noticed, '
                  f'{refused} more did not compile']
-    for tester in ('unit_tests', 'other_schema_tests', 'query'):
+    for tester in ('unit_tests', 'other_schema_tests', 'query', 'fault_tests'):
         lines.append(f'  by {tester}: {sum(r.by.startswith(tester) for r in noticed)}')
     for kind in ('negate', 'compare', 'constant', 'operator', 'drop'):
         of_kind = [r for r in noticed + survived if r.mutation.kind == kind]
