@@ -82,6 +82,12 @@ def opens(tokens, begin, at, outer):
     return 'code' if '->' in head[last_call:] else 'value'
 
 
+def is_without_effect(tokens, i):
+    """A check that runs when compiling, or room taken beforehand, which saves time and decides nothing."""
+    is_call = i + 1 < len(tokens) and tokens[i + 1].text == '('
+    return is_call and (tokens[i].text == 'static_assert' or tokens[i].text.startswith('reserve'))
+
+
 class Places:
     """For each token: whether it is `code`, part of a `value` outside code, or a `type`'s declaration; and whether a
     statement begins there."""
@@ -97,7 +103,7 @@ class Places:
         skipped_to = -1
         depth = 0
         for i, token in enumerate(tokens):
-            if token.text == 'static_assert' and i > skipped_to:
+            if is_without_effect(tokens, i) and i > skipped_to:
                 skipped_to = closing(tokens, i + 1)
             if i <= skipped_to:
                 self.place.append('skip')
@@ -205,8 +211,8 @@ def droppable(tokens, at):
         return None
     end = at
     while end < len(tokens) and tokens[end].text != ';':
-        if tokens[end].text.startswith('reserve') and tokens[end + 1].text == '(':
-            return None  # room taken beforehand saves time and decides nothing
+        if is_without_effect(tokens, end):
+            return None
         if tokens[end].text in ('(', '{', '['):
             end = closing(tokens, end)
         elif tokens[end].text in (')', '}', ']'):

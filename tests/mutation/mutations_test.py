@@ -22,7 +22,7 @@ int walk(const char *text, int &count) {
     std::size_t length = strlen(text);
     char buffer[NAME_MAX + 1];
     count = 0;
-    names.reserve(size + room());
+    names.reserve(size + 2);
     if (int code = open(); code != 0) {
         trace_return("walk", 1063, 'x');
         return code;
@@ -80,13 +80,12 @@ class Mutations(unittest.TestCase):
 
     def test_what_is_no_behaviour_stays(self):
         lines = {line for line, _, _ in changes(SOURCE)}
-        for kept in (1, 2, 3, 4, 6, 11, 15, 34, 36):
+        for kept in (1, 2, 3, 4, 6, 11, 15, 17, 34, 36):
             self.assertNotIn(kept, lines)
         for _, _, changed in changes(SOURCE):
             self.assertNotIn("'y'", changed)
             self.assertNotIn('"a 6"', changed)
-        for whole in (14, 17):
-            self.assertNotIn((whole, 'drop', ';'), changes(SOURCE))
+        self.assertNotIn((14, 'drop', ';'), changes(SOURCE))
 
     def test_a_change_moves_no_later_line(self):
         for mutation in find_mutations(SOURCE):
