@@ -38,7 +38,7 @@ class block_cache {
     static constexpr std::size_t smallest = std::size_t{1} << first_bit;
     static constexpr std::size_t largest = std::size_t{1} << last_bit;
     static constexpr std::size_t class_num = 4 * (last_bit - first_bit) + 1;
-    static constexpr std::size_t kept_bytes_max = 16 * 1024 * 1024;
+    static constexpr std::size_t kept_bytes_max = std::size_t{16} * 1024 * 1024;
 
     struct freed_block {
         freed_block *next;

@@ -199,7 +199,7 @@ int qry_lib_db_rowset_link_lib::join_row(const qry_lib_db_rowset_ &table, const 
             output_print_add_col("add col(rs2)", column);
         }
         append_row(table, "add col(rs1)", candidate);
-        joined.records.push_back(std::move(candidate));
+        joined.records.push_back({std::move(candidate.cols)});
         candidate.cols.clear();
     }
     return 0;
