@@ -51,3 +51,14 @@ SELECT PSN_TBL.PSN_ID FROM PSN_TBL
 SELECT count(*) FROM PSN_TBL
 SELECT PSN_ID FROM PSN_TBL ORDER BY NO_COLUMN
 SELECT COUNT(*) FROM PSN_TBL WHERE NO_COLUMN = 1
+
+-- A table of another database, and what stands behind a semicolon.
+SELECT ID FROM DEPT_TBL
+SELECT PSN_ID FROM PSN_TBL; SELECT PSN_ID FROM PSN_TBL;
+SELECT PSN_ID FROM PSN_TBL; -- a comment
+SELECT PSN_ID FROM PSN_TBL WHERE PSN_NAME = 'a; b' AND PSN_IDD = 1
+
+-- Commands without their point.
+help
+quit
+exit

@@ -66,7 +66,7 @@ expect '^qrysh> .databases'
 keys C-u
 terminal send-keys -t shell -l '.e'
 keys Tab
-expect '^\.echo  \.explain  \.export'
+expect '^\.echo  \.exit  \.explain  \.export'
 
 keys C-u
 # A statement over several lines has a prompt of its own; a column is completed of the table that a line before named.

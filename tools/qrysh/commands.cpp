@@ -104,6 +104,7 @@ constexpr command commands[] = {
      "table), or .sqlite and .db for a SQLite database with typed columns and primary keys.\n"},
     {".echo", argument::required, touches::nothing, ".echo on|off", "print each line above its answer",
      switch_echo, ""},
+    {".exit", argument::none, touches::nothing, ".exit", "leave the shell", quit, ""},
     {".explain", argument::required, touches::nothing, ".explain SQL", "show how a statement is understood",
      explain_statement,
      "Prints the analyzed query, the queries and links of a join, and the filter keys in the order in\n"

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "tools/qrysh/commands.h"
 #include "tools/qrysh/condition_fault.h"
 #include "tools/qrysh/diagnosis.h"
 #include "tools/qrysh/near_match.h"
@@ -121,9 +122,10 @@ std::optional<finding> at_unknown_statement(const std::string &sql, const refusa
         return finding{begin, word.size(),
                        "no statement begins so: the line before stood whole, and was answered"};
     }
-    return finding{
-        begin, word.size(),
-        fmt::format("no statement begins with \"{}\"{}", printable(word), did_you_mean(word, known))};
+    const std::string guess =
+        near.empty() ? did_you_mean('.' + word, command_names()) : did_you_mean(word, known);
+    return finding{begin, word.size(),
+                   fmt::format("no statement begins with \"{}\"{}", printable(word), guess)};
 }
 
 // AND and OR in one condition: the first word that is not like those before it.

@@ -67,7 +67,7 @@ bool has_from(std::string_view text) {
 bool goes_on(std::string_view line) {
     const std::string_view text = without_gaps_behind(line);
     const std::string_view verb = first_word(text);
-    if (!is_one_of(verbs, verb)) {
+    if (!begins_statement(text)) {
         return false;
     }
     if (text.back() == ',' || text.back() == '(' || is_one_of(open_ends, last_word(text))) {
@@ -86,14 +86,17 @@ bool ends_with_semicolon(std::string_view text) {
 
 } // namespace
 
+bool begins_statement(std::string_view text) {
+    return is_one_of(verbs, first_word(text));
+}
+
 std::string_view without_semicolon(std::string_view text) {
     return ends_with_semicolon(text) ? text.substr(0, text.rfind(';')) : text;
 }
 
 // No line of a statement but its first begins with a verb or a point, so a forgotten ";" costs one statement.
 bool statement_lines::is_cut_off_by(std::string_view line) const {
-    const std::string_view word = first_word(line);
-    return is_open() && !quote_is_open_ && (word.substr(0, 1) == "." || is_one_of(verbs, word));
+    return is_open() && !quote_is_open_ && (first_word(line).substr(0, 1) == "." || begins_statement(line));
 }
 
 void statement_lines::append(std::string_view line) {

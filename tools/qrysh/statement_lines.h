@@ -34,6 +34,9 @@ class statement_lines {
     bool quote_is_open_ = false;
 };
 
+// Whether a text begins as a statement does, in capitals.
+bool begins_statement(std::string_view text);
+
 // The statement without the semicolon that ends it. All else stays, blanks at the end included, since they
 // matter to the library: "ORDER BY " has a sort phrase, though an empty one, and "ORDER BY" has none.
 std::string_view without_semicolon(std::string_view text);

@@ -171,7 +171,9 @@ write_statement parse_insert(scanner &scan) {
     write_statement statement{true, "", {}, ""};
     scan.expect_keyword("INTO");
     statement.table = expect_table(scan);
-    scan.expect("(");
+    if (!scan.take("(")) {
+        scan.fail("expected \"(\" and the columns to write");
+    }
     do {
         statement.values.push_back({expect_column(scan), std::int64_t{0}});
     } while (scan.take(","));
