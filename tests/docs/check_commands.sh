@@ -42,10 +42,12 @@ check_word() {
         value=${value#*=}
         sources "TEST(_F|_P)?\(.*${value//[\'*]/}" tests || missing "test like $value"
         ;;
+    -DCMAKE_*) ;;
     -D[A-Z]*=*) sources "${value%%=*}" CMakeLists.txt cmake tools || missing "variable $1" ;;
     QRYLIB_[A-Z_]*=*) sources "${1%%=*}" tests platform || missing "variable $1" ;;
     build/*/packages/*) ;; # named by their versions
     build/*) check_built "$1" ;;
+    qrylib-*) sources "add_executable\($1\b" tools || missing "target $1" ;;
     scripts/* | tests/* | fuzz/* | docs/* | examples/*) [ -e "$1" ] || missing "$1" ;;
     esac
 }
@@ -79,8 +81,9 @@ check() {
 
 commands() {
     find . -name '*.md' -not -path './build/*' -not -path './.git/*' -not -name analysis.md -print0 | xargs -0 awk '
-        /^```/ { inside = !inside; shell = inside && $0 == "```sh"; next }
-        shell && !/^ *(#|$)/ { print }
+        /^ *```/ { inside = !inside; shell = inside && /^ *```sh$/; next }
+        shell && sub(/\\$/, "") { begun = begun $0; next }
+        shell && !/^ *(#|$)/ { print begun $0; begun = "" }
         inside && /^\$ / { print substr($0, 3) }
         !inside { print > "/dev/stderr" }' 2>"$prose"
     grep -ohE '`((scripts|tests|fuzz|build)/[^` ]*|cmake|ctest|cpack|doxygen|qrysh|man) [^`]*`' "$prose" | tr -d '`' || true
