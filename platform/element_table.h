@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * The element tables: the device's record stores, as the library uses them.
  *
  * A category is one table. Its record 0 is the default record (the template of an empty slot), records 1 to n
@@ -20,57 +21,115 @@
 extern "C" {
 #endif
 
-/*
- * Reads an element of a record into `buffer`, which holds at least 3001 bytes, is aligned for the widest
- * element and was cleared as far as the element reaches. The platform writes no more than the element's size.
+/**
+ * Reads an element of a record.
+ *
+ * @param category  the table
+ * @param record    0 to n
+ * @param element   the column
+ * @param buffer    at least 3001 bytes, aligned for the widest element and cleared as far as the element
+ *                  reaches; the platform writes no more than the element's size
+ * @return 0, or a code
  */
 uint32_t tbctSTCGetTable(uint32_t category, uint32_t record, uint32_t element, void *buffer);
 
-/*
- * Writes an element of a record: the platform reads the element's size from `buffer`, in which the bytes
- * behind a shorter string are zero. `requester` is 0x2301 for the library's own writes. Writes that an
- * earlier call of the same statement made stay made when a later one fails.
+/**
+ * Writes an element of a record. Writes that an earlier call of the same statement made stay made when a
+ * later one fails.
+ *
+ * @param requester  0x2301 for the library's own writes
+ * @param category   the table
+ * @param record     0 to n
+ * @param element    the column
+ * @param buffer     the platform reads the element's size from it; the bytes behind a shorter string are zero
+ * @return 0, or a code
  */
 uint32_t tbctSTCSetTable(uint32_t requester, uint32_t category, uint32_t record, uint32_t element,
                          const void *buffer);
 
-/* Puts a record (1 to n) back to the default record. */
+/**
+ * Puts a record back to the default record.
+ *
+ * @param category  the table
+ * @param record    1 to n
+ * @return 0, or a code
+ */
 uint32_t tbSTCInitTable(uint32_t category, uint32_t record);
 
-/* Puts every record of a category back to the default record. */
+/**
+ * Puts every record of a category back to the default record.
+ *
+ * @param category  the table
+ * @return 0, or a code
+ */
 uint32_t tbctResetTable(uint32_t category);
 
-/* Read and write a setting of the device: an element without a record. */
+/**
+ * Reads a setting of the device: an element without a record.
+ *
+ * @param category  the group of settings
+ * @param element   the setting
+ * @param buffer    at least as large as the element
+ * @return 0, or a code
+ */
 uint32_t tbctSTCGetStatus(uint32_t category, uint32_t element, void *buffer);
+
+/**
+ * Writes a setting of the device.
+ *
+ * @param requester  who writes
+ * @param category   the group of settings
+ * @param element    the setting
+ * @param buffer     the whole element
+ * @return 0, or a code
+ */
 uint32_t tbctSTCSetStatus(uint32_t requester, uint32_t category, uint32_t element, const void *buffer);
 
-/* 16 bytes that only the platform understands. Zero-filled before the list is created. */
+/** A list table: 16 bytes that only the platform understands. Zero-filled before the list is created. */
 typedef struct {
-    uint32_t word[4];
+    uint32_t word[4]; /**< the platform's own */
 } tbctListTable;
 
-/*
- * Opens a list table over one element: the values of records 1 to `record_num`, in order, as they were at one
- * moment. The library opens one for each condition of a search and closes all of them at its end. A failure
- * is traced, every list table of the search is deleted, those that were never created included, and the
- * search goes on; it then ends at the first value that it cannot reach.
+/**
+ * Opens a list table over one element: the values of the records in order, as they were at one moment. The
+ * library opens one for each condition of a search and closes all of them at its end. A failure is traced,
+ * every list table of the search is deleted, those that were never created included, and the search goes on;
+ * it then ends at the first value that it cannot reach.
+ *
+ * @param category    the table
+ * @param element     the column
+ * @param record_num  the list holds records 1 to this one
+ * @param list        zero-filled; the library keeps it until it is deleted
+ * @return 0, or a code
  */
 uint32_t tbctSTCCreateListTable(uint32_t category, uint32_t element, uint16_t record_num,
                                 tbctListTable *list);
 
-/*
- * Moves the list to a position; position 0 is record 1. Must fail on a list that is not open, which ends the
- * search with 0x5243.
+/**
+ * Moves a list to a position.
+ *
+ * @param list      the list
+ * @param position  0 is record 1
+ * @return 0, or a code, which ends the search with 0x5243; never 0 for a list that is not open
  */
 uint32_t tbctSTCListTableSetPos(tbctListTable *list, uint16_t position);
 
-/*
- * Reads the value at the list's position into `buffer` (as for tbctSTCGetTable). The library does not look at
- * the code: a value that cannot be read counts as zeros.
+/**
+ * Reads the value at a list's position. A value that cannot be read counts as zeros.
+ *
+ * @param list    the list
+ * @param buffer  as for tbctSTCGetTable
+ * @return a code that the library does not look at
  */
 uint32_t tbctSTCListTableGetVal(tbctListTable *list, void *buffer);
 
-/* Closes the list; `option` is 0. Harmless on a zero-filled list and on one that is closed already. */
+/**
+ * Closes a list. Harmless on a zero-filled list and on one that is closed already.
+ *
+ * @param list    the list
+ * @param option  0
+ * @return a code that the library does not look at
+ */
 uint32_t tbctSTCDeleteListTable(tbctListTable *list, uint32_t option);
 
 #ifdef __cplusplus

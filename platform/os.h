@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * What the library asks of the operating-system wrapper: a memory partition, mutexes and a task lock.
  * Every function returns 0 for success. Every function may be called from several threads at once.
  */
@@ -11,36 +12,66 @@
 extern "C" {
 #endif
 
-/*
- * Takes a block of `size` bytes (never 0) from partition `part` (the library passes 0) and stores its address
- * through `block`, aligned for any fundamental type. The content is not cleared; the library clears what it
- * needs cleared. Any other code than 0 means that there is no block: `block` is then not read. The library
- * reports a refusal to its caller as code 1 in nearly every place and goes on working.
+/**
+ * Takes a block from the memory partition. It need not be cleared. The library reports a refusal to its
+ * caller as code 1 in nearly every place and goes on working.
+ *
+ * @param part   the partition; the library passes 0
+ * @param block  the block, aligned for any fundamental type; not read after a refusal
+ * @param size   bytes, never 0
+ * @return 0; any other code: there is no block
  */
 uint32_t pfwOSWOrgAllocMemPart(uint32_t part, void **block, uint32_t size);
 
-/* Gives a block back. The library never passes a null pointer and never reads the result. */
+/**
+ * Gives a block back.
+ *
+ * @param part   the partition; the library passes 0
+ * @param block  the block, never null
+ * @return a code that the library does not look at
+ */
 uint32_t pfwOSWOrgFreeMemPart(uint32_t part, void *block);
 
-/*
- * Creates a mutex (called with option 0, count 1: free, one holder) and stores its identifier, which is never
- * 0. Called under the task lock, once in the life of a process. A failure is handed to the caller of
- * dsql_db_handle_add and tried again at the next call.
+/**
+ * Creates a mutex. Called under the task lock, once in the life of a process.
+ *
+ * @param mutex   its identifier, never 0
+ * @param option  0
+ * @param count   1: free, for one holder
+ * @return 0; any other code is handed to the caller of dsql_db_handle_add, whose next call tries again
  */
 uint32_t pfwOSWCreateMutexSem(uint32_t *mutex, uint32_t option, uint32_t count);
 
-/* Takes the mutex; `timeout` is always -1: wait without a time limit. The same thread never takes it twice.
+/**
+ * Takes a mutex. The same thread never takes it twice.
+ *
+ * @param mutex    its identifier
+ * @param timeout  always -1: wait without a limit
+ * @return 0, or a code
  */
 uint32_t pfwOSWRequestMutexSem(uint32_t mutex, int32_t timeout);
 
-/* Releases the mutex that the calling thread holds. */
+/**
+ * Releases a mutex.
+ *
+ * @param mutex  its identifier; the calling thread holds it
+ * @return a code that the library does not look at
+ */
 uint32_t pfwOSWReleaseMutexSem(uint32_t mutex);
 
-/*
- * Keeps the process's other threads from running library code between Lock and Unlock: held only while the
- * one mutex is created. A failing Lock is handed to the caller; Unlock then is not called.
+/**
+ * Keeps the process's other threads from running library code until pfwOSWUnlockTask(): held only while the
+ * one mutex is created.
+ *
+ * @return 0; any other code is handed to the caller, and the lock is not undone
  */
 uint32_t pfwOSWLockTask(void);
+
+/**
+ * Ends what pfwOSWLockTask() began.
+ *
+ * @return a code that the library does not look at
+ */
 uint32_t pfwOSWUnlockTask(void);
 
 #ifdef __cplusplus

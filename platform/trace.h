@@ -1,4 +1,7 @@
-/* The platform trace: where the library reports every failure. */
+/**
+ * @file
+ * The platform trace: where the library reports every failure.
+ */
 #ifndef QRYLIB_PLATFORM_TRACE_H
 #define QRYLIB_PLATFORM_TRACE_H
 
@@ -8,9 +11,8 @@
 extern "C" {
 #endif
 
-/*
- * Writes one line, formatted as printf does. The library always passes destination 0, module 258, level 2,
- * and one of three formats:
+/**
+ * Writes one line, formatted as printf does. There are three formats:
  *
  *   "%s():[Return]:(%d) (0x%08lX)\n"   function, line, code as unsigned long
  *   "%s():[Enter]:(%d) \n"             function, line
@@ -18,6 +20,11 @@ extern "C" {
  *
  * Called from any thread. It must not fail and must not call back into the library. The argument strings are
  * valid only during the call.
+ *
+ * @param destination  0
+ * @param module       258
+ * @param level        2
+ * @param format       one of the three
  */
 void pfwGENTrcPrintf(uint32_t destination, uint32_t module, uint32_t level, const char *format, ...)
     __attribute__((format(printf, 4, 5)));

@@ -1,10 +1,14 @@
 #!/usr/bin/env bash
-# Installs what the build and the tests need from Debian's packages. Quick and quiet when all is there.
+# Installs what the project needs from Debian's packages: all of it, or with --build only what the library, the shell and
+# their packages are built with. Quick and quiet when all is there.
 set -euo pipefail
 
 packages=(cmake ninja-build g++ pkg-config libgtest-dev libcli11-dev libfmt-dev nlohmann-json3-dev libedit-dev
-    libutf8proc-dev libbenchmark-dev libsqlite3-dev sqlite3 tmux mandoc clang clang-tidy cppcheck libclang-rt-dev
-    g++-powerpc-linux-gnu qemu-user abigail-tools gcovr python3)
+    libutf8proc-dev libsqlite3-dev file dpkg-dev)
+if [ "${1:-}" != --build ]; then
+    packages+=(libbenchmark-dev sqlite3 tmux mandoc doxygen clang clang-tidy cppcheck libclang-rt-dev
+        g++-powerpc-linux-gnu qemu-user abigail-tools gcovr python3)
+fi
 
 missing=()
 for package in "${packages[@]}"; do

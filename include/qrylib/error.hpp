@@ -1,6 +1,9 @@
-/*
+/**
+ * @file
  * The library's return codes for C++17 callers: an error category, and the exception that carries a code, its
- * name and its sentence. Since 1.0.
+ * name and its sentence.
+ *
+ * @since 1.0
  */
 #ifndef QRYLIB_ERROR_HPP
 #define QRYLIB_ERROR_HPP
@@ -15,22 +18,27 @@
 
 namespace qrylib {
 
-/* The library's own codes, to compare a std::error_code with. The platform's codes have no enumerator. */
+/** The library's own codes, to compare a std::error_code with. The platform's codes have no enumerator. */
 enum class errc : std::uint32_t {
-    no_memory = QRY_LIB_NO_MEMORY,
-    bad_parameter = QRY_LIB_BAD_PARAMETER,
-    rowset_not_created = QRY_LIB_ROWSET_NOT_CREATED,
-    rowset_not_filled = QRY_LIB_ROWSET_NOT_FILLED,
-    table_argument = QRY_LIB_TABLE_ARGUMENT,
-    table_access = QRY_LIB_TABLE_ACCESS,
-    not_accepted = QRY_LIB_NOT_ACCEPTED,
-    no_such_item = QRY_LIB_NO_SUCH_ITEM,
-    no_free_entry = QRY_LIB_NO_FREE_ENTRY,
-    invalid_argument = QRY_LIB_INVALID_ARGUMENT,
-    failure = QRY_LIB_FAILURE
+    no_memory = QRY_LIB_NO_MEMORY,                   /**< #QRY_LIB_NO_MEMORY */
+    bad_parameter = QRY_LIB_BAD_PARAMETER,           /**< #QRY_LIB_BAD_PARAMETER */
+    rowset_not_created = QRY_LIB_ROWSET_NOT_CREATED, /**< #QRY_LIB_ROWSET_NOT_CREATED */
+    rowset_not_filled = QRY_LIB_ROWSET_NOT_FILLED,   /**< #QRY_LIB_ROWSET_NOT_FILLED */
+    table_argument = QRY_LIB_TABLE_ARGUMENT,         /**< #QRY_LIB_TABLE_ARGUMENT */
+    table_access = QRY_LIB_TABLE_ACCESS,             /**< #QRY_LIB_TABLE_ACCESS */
+    not_accepted = QRY_LIB_NOT_ACCEPTED,             /**< #QRY_LIB_NOT_ACCEPTED */
+    no_such_item = QRY_LIB_NO_SUCH_ITEM,             /**< #QRY_LIB_NO_SUCH_ITEM */
+    no_free_entry = QRY_LIB_NO_FREE_ENTRY,           /**< #QRY_LIB_NO_FREE_ENTRY */
+    invalid_argument = QRY_LIB_INVALID_ARGUMENT,     /**< #QRY_LIB_INVALID_ARGUMENT */
+    failure = QRY_LIB_FAILURE                        /**< #QRY_LIB_FAILURE */
 };
 
-/* The name that types.h gives a code, "QRY_LIB_NOT_ACCEPTED" for example; "" for a code without a name. */
+/**
+ * Tells the name that types.h gives a code.
+ *
+ * @param code  the code
+ * @return the name, "QRY_LIB_NOT_ACCEPTED" for example; "" for a code without one
+ */
 inline const char *code_name(std::uint32_t code) noexcept {
     constexpr struct {
         std::uint32_t code;
@@ -55,7 +63,11 @@ inline const char *code_name(std::uint32_t code) noexcept {
     return "";
 }
 
-/* The category of the library's error codes; their message is the code's sentence. */
+/**
+ * The category of the library's error codes; their message is the code's sentence.
+ *
+ * @return the one category
+ */
 inline const std::error_category &category() noexcept {
     struct code_category final : std::error_category {
         const char *name() const noexcept override { return "qrylib"; }
@@ -67,23 +79,39 @@ inline const std::error_category &category() noexcept {
     return instance;
 }
 
-/* A return code of a C function, the platform's own ones included, as an error code. 0 is no error. */
+/**
+ * Makes an error code of what a C function returned.
+ *
+ * @param code  the code, one of the platform's own included; 0 is no error
+ * @return the error code
+ */
 inline std::error_code code_from(std::uint32_t code) noexcept {
     return {static_cast<int>(code), category()};
 }
 
+/**
+ * Makes an error code of an enumerator, for comparisons.
+ *
+ * @param code  the enumerator
+ * @return the error code
+ */
 inline std::error_code make_error_code(errc code) noexcept {
     return code_from(static_cast<std::uint32_t>(code));
 }
 
-/* What the throwing calls throw. what() holds the code's name, or its number, and its sentence. */
+/** What the throwing calls throw. what() holds the code's name, or its number, and its sentence. */
 class error : public std::system_error {
   public:
+    /**
+     * @param code  as a C function returned it
+     */
     explicit error(std::uint32_t code) : std::system_error(code_from(code), label(code)) {}
 
-    /* The code as the C functions return it. */
+    /** @return the code as the C functions return it */
     std::uint32_t value() const noexcept { return static_cast<std::uint32_t>(code().value()); }
+    /** @return the name that types.h gives the code; "" for a code without one */
     const char *name() const noexcept { return code_name(value()); }
+    /** @return what the code means, in one sentence */
     const char *sentence() const noexcept { return qry_lib_code_text(value()); }
 
   private:
@@ -95,7 +123,9 @@ class error : public std::system_error {
 
 } // namespace qrylib
 
+/** @cond */
 template <>
 struct std::is_error_code_enum<qrylib::errc> : std::true_type {};
+/** @endcond */
 
 #endif

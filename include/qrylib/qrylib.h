@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * libqrylib.so.1: one SQL-like way to read and change the device's record stores.
  *
  * This header includes everything that a caller needs; link with -lqrylib. Conventions:
@@ -30,6 +31,8 @@
  * What the library does not do: transactions, connections (their calls answer 0), INSERT and UPDATE as text,
  * grouping, sorting by several columns or of a query over several tables, expressions, NULL, NOT, brackets in
  * conditions, column-to-column comparison within one table, escapes in strings, persistence.
+ *
+ * @since 1.0, like all that names no later version
  */
 #ifndef QRYLIB_QRYLIB_H
 #define QRYLIB_QRYLIB_H

@@ -1,42 +1,39 @@
-/*
+/**
+ * @file
  * The library for C++17 callers: header-only, over the C functions of qrylib.h.
  *
  *     qrylib::database book("adbk_db");
  *     book.insert_into("PSN_TBL").set("PSN_ID", 1).set("PSN_NAME", "Abe").execute();
  *     for (const auto row : book.query("SELECT PSN_ID, PSN_NAME FROM PSN_TBL ORDER BY PSN_ID")) {
- *         std::cout << row.get<int>("PSN_ID").value_or(0) << ' ' << *row.get<std::string>("PSN_NAME") <<
- * '\n';
+ *         std::cout << row.get<int>("PSN_ID").value_or(0) << '\n';
  *     }
  *
  * Conventions, beside those of qrylib.h:
  *
  *  1. Failures. Every call that can fail exists twice: without a std::error_code it throws qrylib::error;
- * with one it sets it and returns an empty rowset. std::bad_alloc passes through both. In code compiled
- * without exceptions the first form ends the program.
+ *     with one it sets it and returns an empty rowset. std::bad_alloc passes through both. In code compiled
+ *     without exceptions the first form ends the program.
  *  2. Ownership. A rowset owns its rows and is move-only. Rows, and the texts read as std::string_view, live
- * as long as their rowset. A database is a name, a statement a description: both are values.
+ *     as long as their rowset. A database is a name, a statement a description: both are values.
  *  3. Refusals. What the C setters only trace and ignore (a name or value beyond its capacity, no memory) is
- * an error here before anything is executed. So are texts with a zero character inside.
+ *     an error here before anything is executed. So are texts with a zero character inside.
  *  4. Threads. Objects may be used from several threads at once as long as none of them changes.
  *
- * Since 1.0.
+ * @since 1.0
  */
 #ifndef QRYLIB_QRYLIB_HPP
 #define QRYLIB_QRYLIB_HPP
 
 #include <qrylib/error.hpp>
 #include <qrylib/query.h>
-#include <qrylib/rowset.h>
+#include <qrylib/rowset.hpp>
 #include <qrylib/statement.h>
 #include <qrylib/types.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
-#include <iterator>
 #include <limits>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -64,190 +61,51 @@ inline bool is_whole(const std::string &text, std::size_t capacity = std::string
     return text.size() <= capacity && text.find('\0') == std::string::npos;
 }
 
-/* The column's number; absent for a text. */
-inline std::optional<std::int64_t> number_in(const QRY_LIB_COLUMN &column) noexcept {
-    switch (static_cast<std::uint32_t>(column.type)) {
-    case QRY_LIB_COLUMN_TYPE_INT:
-        return column.value.int_value;
-    case QRY_LIB_COLUMN_TYPE_UCHAR:
-        return column.value.uchar_value;
-    case QRY_LIB_COLUMN_TYPE_USHORT:
-        return column.value.ushort_value;
-    case QRY_LIB_COLUMN_TYPE_UINT:
-    case QRY_LIB_COLUMN_TYPE_ULONG:
-        return column.value.ulong_value;
-    default:
-        return std::nullopt;
-    }
-}
-
-/* The column's text; absent for a number. */
-inline std::optional<std::string_view> text_in(const QRY_LIB_COLUMN &column) noexcept {
-    if (column.type != QRY_LIB_COLUMN_TYPE_STR) {
-        return std::nullopt;
-    }
-    const char *text = column.value.str_value;
-    const void *end = std::memchr(text, '\0', sizeof column.value.str_value);
-    const std::size_t capacity = QRY_LIB_STRING_MAX;
-    return std::string_view(
-        text, end == nullptr ? capacity : static_cast<std::size_t>(static_cast<const char *>(end) - text));
-}
-
-template <typename Integer>
-constexpr bool is_number =
-    std::is_integral_v<Integer> && !std::is_same_v<Integer, bool> && !std::is_same_v<Integer, char>;
-
-template <typename Integer>
-constexpr bool holds(std::int64_t number) noexcept {
-    using limits = std::numeric_limits<Integer>;
-    if (number < 0) {
-        return std::is_signed_v<Integer> && number >= static_cast<std::int64_t>(limits::min());
-    }
-    return static_cast<std::uint64_t>(number) <= static_cast<std::uint64_t>(limits::max());
-}
-
 } // namespace detail
 
-/* One row of a rowset: a view, valid as long as its rowset. Columns are numbered from 0 in select-list order.
- */
-class row {
-  public:
-    explicit row(const QRY_LIB_RECORD &record) noexcept : record_(&record) {}
-
-    std::size_t size() const noexcept { return static_cast<std::size_t>(record_->col_num); }
-
-    /* The column as the C records hold it; null where there is none. */
-    const QRY_LIB_COLUMN *column(std::size_t index) const noexcept {
-        return index < size() ? &record_->cols[index] : nullptr;
-    }
-
-    /* The first column of that name, of that table where one is given. */
-    const QRY_LIB_COLUMN *column(std::string_view name, std::string_view table = {}) const noexcept {
-        for (std::size_t i = 0; i < size(); ++i) {
-            const QRY_LIB_COLUMN &candidate = record_->cols[i];
-            if (name == candidate.col_name && (table.empty() || table == candidate.table_name)) {
-                return &candidate;
-            }
-        }
-        return nullptr;
-    }
-
-    /*
-     * Reads a column as an integer type, std::string or std::string_view. Absent, and nothing is traced, when
-     * there is no such column, when a number is asked for and it holds a text or the other way round, and
-     * when the number is outside the type's range.
-     */
-    template <typename Type>
-    std::optional<Type> get(std::size_t index) const {
-        return read<Type>(column(index));
-    }
-    template <typename Type>
-    std::optional<Type> get(std::string_view name, std::string_view table = {}) const {
-        return read<Type>(column(name, table));
-    }
-
-  private:
-    template <typename Type>
-    static std::optional<Type> read(const QRY_LIB_COLUMN *column) {
-        constexpr bool is_text = std::is_same_v<Type, std::string> || std::is_same_v<Type, std::string_view>;
-        static_assert(is_text || detail::is_number<Type>, "read an integer, a std::string or a string_view");
-        if (column == nullptr) {
-            return std::nullopt;
-        }
-        if constexpr (is_text) {
-            const std::optional<std::string_view> text = detail::text_in(*column);
-            return text ? std::optional<Type>(Type(*text)) : std::nullopt;
-        } else {
-            const std::optional<std::int64_t> number = detail::number_in(*column);
-            return number && detail::holds<Type>(*number) ? std::optional<Type>(static_cast<Type>(*number))
-                                                          : std::nullopt;
-        }
-    }
-
-    const QRY_LIB_RECORD *record_;
-};
-
-/* The rows of a result. Empty when default-constructed, moved from, or handed out by a call that failed. */
-class rowset {
-  public:
-    class iterator {
-      public:
-        using iterator_category = std::input_iterator_tag;
-        using value_type = row;
-        using difference_type = std::ptrdiff_t;
-        using pointer = void;
-        using reference = row;
-
-        explicit iterator(const QRY_LIB_RECORD *at) noexcept : at_(at) {}
-        row operator*() const noexcept { return row(*at_); }
-        iterator &operator++() noexcept {
-            ++at_;
-            return *this;
-        }
-        iterator operator++(int) noexcept { return iterator(at_++); }
-        friend bool operator==(iterator a, iterator b) noexcept { return a.at_ == b.at_; }
-        friend bool operator!=(iterator a, iterator b) noexcept { return a.at_ != b.at_; }
-
-      private:
-        const QRY_LIB_RECORD *at_;
-    };
-
-    rowset() noexcept = default;
-    rowset(rowset &&other) noexcept : rows_(std::exchange(other.rows_, empty_rows)) {}
-    rowset &operator=(rowset &&other) noexcept {
-        rowset taken(std::move(other));
-        std::swap(rows_, taken.rows_);
-        return *this;
-    }
-    rowset(const rowset &) = delete;
-    rowset &operator=(const rowset &) = delete;
-    ~rowset() { qry_lib_db_rowset_term(&rows_); }
-
-    std::size_t size() const noexcept { return static_cast<std::size_t>(rows_.record_num); }
-    bool empty() const noexcept { return size() == 0; }
-    iterator begin() const noexcept { return iterator(rows_.records); }
-    iterator end() const noexcept { return iterator(empty() ? rows_.records : rows_.records + size()); }
-
-    /* The row at `index`, which must be below size(). */
-    row operator[](std::size_t index) const noexcept { return row(rows_.records[index]); }
-
-    /* The C record, for the functions of rowset.h and query.h. It stays this rowset's. */
-    qry_lib_db_rowset_ *get() noexcept { return &rows_; }
-
-  private:
-    static constexpr qry_lib_db_rowset_ empty_rows{0, nullptr, -1};
-
-    qry_lib_db_rowset_ rows_ = empty_rows;
-};
-
-/*
+/**
  * What a statement writes, or compares with: a text, or an integer of any type but char, whose sign differs
  * from machine to machine. An integer beyond 32 bits is refused when the statement is executed; one beyond
  * its column is narrowed by the library.
  */
 class value {
   public:
+    /**
+     * @param number  the number
+     */
     template <typename Integer, std::enable_if_t<detail::is_number<Integer>, int> = 0>
     value(Integer number) noexcept
         : number_(number <= 0 || static_cast<std::uint64_t>(number) <= beyond
                       ? static_cast<std::int64_t>(number)
                       : beyond) {}
+    /**
+     * @param text  the text
+     */
     value(std::string text) : text_(std::move(text)), is_text_(true) {}
+    /**
+     * @param text  the text
+     */
     value(std::string_view text) : text_(text), is_text_(true) {}
+    /**
+     * @param text  the text, terminated and not null
+     */
     value(const char *text) : text_(text), is_text_(true) {}
 
+    /** @return whether it is a text */
     bool is_text() const noexcept { return is_text_; }
+    /** @return the text; empty for a number */
     const std::string &text() const noexcept { return text_; }
+    /** @return the number; 0 for a text */
     std::int64_t number() const noexcept { return number_; }
 
-    /* False for a value that the library cannot take whole. */
+    /** @return false for a value that the library cannot take whole */
     bool is_within_capacity() const noexcept {
         return is_text_ ? detail::is_whole(text_, QRY_LIB_STRING_MAX)
                         : detail::holds<std::int32_t>(number_) || detail::holds<std::uint32_t>(number_);
     }
 
   private:
-    /* Stands for every number above it: none of them fits 32 bits. */
+    /** Stands for every number above it: none of them fits 32 bits. */
     static constexpr std::int64_t beyond = std::numeric_limits<std::int64_t>::max();
 
     std::int64_t number_ = 0;
@@ -255,16 +113,29 @@ class value {
     bool is_text_ = false;
 };
 
-/*
+/**
  * A statement described field by field; a database makes it. The calls only describe, and may be chained:
  * names are checked when the statement is executed, and it may be changed and executed again.
  */
 class statement {
   public:
+    /**
+     * What a database makes.
+     *
+     * @param database  its name
+     * @param type      INSERT, UPDATE, DELETE or SELECT
+     * @param table     the table
+     */
     statement(std::string database, QRY_LIB_DB_QUERY_TYPE type, std::string table)
         : database_(std::move(database)), table_(std::move(table)), type_(type) {}
 
-    /* INSERT and UPDATE: gives a column its value. A column that is set again takes the new value. */
+    /**
+     * INSERT and UPDATE: gives a column its value. A column that is set again takes the new value.
+     *
+     * @param column   at most 31 characters
+     * @param content  the value
+     * @return this statement
+     */
     statement &set(std::string column, value content) {
         for (auto &known : columns_) {
             if (known.first == column) {
@@ -276,13 +147,22 @@ class statement {
         return *this;
     }
 
-    /* SELECT: adds a column, or "COUNT(*)" as the only one. */
+    /**
+     * SELECT: adds a column.
+     *
+     * @param name  at most 31 characters, or "COUNT(*)" as the only one
+     * @return this statement
+     */
     statement &column(std::string name) {
         columns_.emplace_back(std::move(name), value(0));
         return *this;
     }
 
-    /* UPDATE, DELETE, SELECT: the condition, without the word WHERE. Empty: every row. The last one counts.
+    /**
+     * UPDATE, DELETE, SELECT: sets the condition. The last one counts.
+     *
+     * @param condition  without the word WHERE; empty: every row
+     * @return this statement
      */
     statement &where(std::string condition) {
         where_ = std::move(condition);
@@ -290,9 +170,14 @@ class statement {
         return *this;
     }
 
-    /*
-     * The condition that `column` equals `content`. Conditions know no escapes: a text that holds " AND " or
-     * " OR " cannot be compared with, and the statement is then refused with errc::invalid_argument.
+    /**
+     * UPDATE, DELETE, SELECT: sets the condition to one equality. Conditions know no escapes: a text that
+     * holds " AND " or " OR " cannot be compared with, and the statement is then refused with
+     * errc::invalid_argument.
+     *
+     * @param column   the column
+     * @param content  the value
+     * @return this statement
      */
     statement &where_equal(const std::string &column, const value &content) {
         where(column + " = " + literal(content));
@@ -302,25 +187,40 @@ class statement {
         return *this;
     }
 
-    /* SELECT: the sort phrase, without the words ORDER BY ("PSN_ID DESC"). */
+    /**
+     * SELECT: sets the sort phrase.
+     *
+     * @param phrase  without the words ORDER BY ("PSN_ID DESC")
+     * @return this statement
+     */
     statement &order_by(std::string phrase) {
         order_by_ = std::move(phrase);
         return *this;
     }
 
-    /* Runs an INSERT, UPDATE or DELETE. Errors as of qry_lib_db_stmt_exec(). */
+    /**
+     * Runs an INSERT, UPDATE or DELETE.
+     *
+     * @param failure  set to the error, as of qry_lib_db_stmt_exec(), or cleared
+     */
     void execute(std::error_code &failure) const {
         c_statement built;
         std::uint32_t code = fill(built.record);
         failure = code_from(code != 0 ? code : qry_lib_db_stmt_exec(&built.record));
     }
+    /** Runs an INSERT, UPDATE or DELETE; throws qrylib::error. */
     void execute() const {
         std::error_code failure;
         execute(failure);
         detail::raise_if_failed(failure);
     }
 
-    /* Runs a SELECT. Errors as of qry_lib_db_stmt_exec_query(). */
+    /**
+     * Runs a SELECT.
+     *
+     * @param failure  set to the error, as of qry_lib_db_stmt_exec_query(), or cleared
+     * @return the rows
+     */
     rowset query(std::error_code &failure) const {
         c_statement built;
         rowset rows;
@@ -328,6 +228,11 @@ class statement {
         failure = code_from(code != 0 ? code : qry_lib_db_stmt_exec_query(&built.record, rows.get()));
         return rows;
     }
+    /**
+     * Runs a SELECT; throws qrylib::error.
+     *
+     * @return the rows
+     */
     rowset query() const {
         std::error_code failure;
         rowset rows = query(failure);
@@ -345,7 +250,7 @@ class statement {
         qry_lib_db_stmt_ record;
     };
 
-    /* The dialect writes a number above 2147483647 as its negative counterpart. */
+    /** The dialect writes a number above 2147483647 as its negative counterpart. */
     static std::string literal(const value &content) {
         return content.is_text() ? "'" + content.text() + "'"
                                  : std::to_string(static_cast<std::int32_t>(content.number()));
@@ -363,7 +268,7 @@ class statement {
                detail::is_whole(order_by_) && !where_is_refused_ && columns_.size() <= UINT16_MAX;
     }
 
-    /* The setters tell nobody that memory ran out, so the record is looked at: a DELETE must not lose its
+    /** The setters tell nobody that memory ran out, so the record is looked at: a DELETE must not lose its
      * WHERE. */
     std::uint32_t fill(qry_lib_db_stmt_ &record) const {
         if (!is_within_capacity()) {
@@ -412,14 +317,24 @@ class statement {
     bool where_is_refused_ = false;
 };
 
-/* One of the device's databases: "adbk_db", "department_db", "usrac_db" or "log_db". Nothing is opened. */
+/** One of the device's databases: "adbk_db", "department_db", "usrac_db" or "log_db". Nothing is opened. */
 class database {
   public:
+    /**
+     * @param name  of the database, looked up when a statement is executed
+     */
     explicit database(std::string name) : name_(std::move(name)) {}
 
+    /** @return the name */
     const std::string &name() const noexcept { return name_; }
 
-    /* Runs a SELECT. Errors as of qry_lib_db_exec_query(). */
+    /**
+     * Runs a SELECT.
+     *
+     * @param sql      the text
+     * @param failure  set to the error, as of qry_lib_db_exec_query(), or cleared
+     * @return the rows
+     */
     rowset query(const std::string &sql, std::error_code &failure) const {
         qry_lib_db_stmt_ carrier;
         rowset rows;
@@ -427,6 +342,12 @@ class database {
         failure = code_from(code != 0 ? code : qry_lib_db_exec_query(&carrier, sql.c_str(), rows.get()));
         return rows;
     }
+    /**
+     * Runs a SELECT; throws qrylib::error.
+     *
+     * @param sql  the text
+     * @return the rows
+     */
     rowset query(const std::string &sql) const {
         std::error_code failure;
         rowset rows = query(sql, failure);
@@ -434,26 +355,59 @@ class database {
         return rows;
     }
 
-    /* Runs any other SQL text: DELETE FROM, DROP TABLE, CREATE. Errors as of qry_lib_db_exec(). */
+    /**
+     * Runs any other SQL text: DELETE FROM, DROP TABLE, CREATE.
+     *
+     * @param sql      the text
+     * @param failure  set to the error, as of qry_lib_db_exec(), or cleared
+     */
     void execute(const std::string &sql, std::error_code &failure) const {
         qry_lib_db_stmt_ carrier;
         const std::uint32_t code = bind(sql, carrier);
         failure = code_from(code != 0 ? code : qry_lib_db_exec(&carrier, sql.c_str()));
     }
+    /**
+     * Runs any other SQL text; throws qrylib::error.
+     *
+     * @param sql  the text
+     */
     void execute(const std::string &sql) const {
         std::error_code failure;
         execute(sql, failure);
         detail::raise_if_failed(failure);
     }
 
-    /* Statements on a table, to be filled in and executed. */
+    /**
+     * An INSERT, to be filled in and executed.
+     *
+     * @param table  the table, at most 127 characters
+     * @return the statement
+     */
     statement insert_into(std::string table) const {
         return make(QRY_LIB_DB_QUERY_TYPE_INSERT, std::move(table));
     }
+    /**
+     * An UPDATE, to be filled in and executed.
+     *
+     * @param table  the table, at most 127 characters
+     * @return the statement
+     */
     statement update(std::string table) const { return make(QRY_LIB_DB_QUERY_TYPE_UPDATE, std::move(table)); }
+    /**
+     * A DELETE, to be filled in and executed.
+     *
+     * @param table  the table, at most 127 characters
+     * @return the statement
+     */
     statement delete_from(std::string table) const {
         return make(QRY_LIB_DB_QUERY_TYPE_DELETE, std::move(table));
     }
+    /**
+     * A SELECT, to be filled in and executed.
+     *
+     * @param table  the table, at most 127 characters
+     * @return the statement
+     */
     statement select_from(std::string table) const {
         return make(QRY_LIB_DB_QUERY_TYPE_SELECT, std::move(table));
     }
@@ -463,7 +417,7 @@ class database {
         return statement(name_, type, std::move(table));
     }
 
-    /* Text carries its database in a statement record that holds nothing else, and so needs no end. */
+    /** Text carries its database in a statement record that holds nothing else, and so needs no end. */
     std::uint32_t bind(const std::string &sql, qry_lib_db_stmt_ &carrier) const {
         if (!detail::is_whole(sql) || !detail::is_whole(name_)) {
             return QRY_LIB_INVALID_ARGUMENT;

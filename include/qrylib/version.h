@@ -1,4 +1,10 @@
-/* The library's version and its return codes in words, for people and tools. Since 1.0. */
+/**
+ * @file
+ * The library's version and its return codes in words, for people and tools. The texts are constants of the
+ * library, not to be freed. May be called from any thread.
+ *
+ * @since 1.0
+ */
 #ifndef QRYLIB_VERSION_H
 #define QRYLIB_VERSION_H
 
@@ -9,10 +15,19 @@
 extern "C" {
 #endif
 
-/* "1.0.0". A constant of the library. */
+/**
+ * Tells the library's version.
+ *
+ * @return major, minor and patch number: "1.0.0"
+ */
 QRY_LIB_API const char *qry_lib_version(void);
 
-/* One English sentence for each return code; for any other code a sentence that says so. Never null. */
+/**
+ * Tells what a return code means.
+ *
+ * @param code  as a function of the library returned it
+ * @return one English sentence; for a code that is not the library's one that says so. Never null
+ */
 QRY_LIB_API const char *qry_lib_code_text(uint32_t code);
 
 #ifdef __cplusplus

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * The workstation's own controls: what a test, the shell or a caller under development uses to set the
  * simulated device up. Functions that return int answer 0, or non-zero with a sentence in qryhost_error().
  */
@@ -11,11 +12,11 @@
 extern "C" {
 #endif
 
-/*
- * Opens the element store: null for private memory (what every process has until it asks for more, unless
- * QRYLIB_IMAGE names an image), or the path of a device image, which all processes that open it share. Must
- * not run beside other platform calls. Values of private memory are dropped; the store stays as it was when
- * the new one is refused.
+/**
+ * Opens the element store: private memory, which every process has until it asks for more unless
+ * QRYLIB_IMAGE names an image, or a device image, which all processes that open it share. Must not run beside
+ * other platform calls. Values of private memory are dropped; the store stays as it was when the new one is
+ * refused.
  *
  * An image that is not there is created, all zeros. It belongs to one build: one of another format version,
  * schema, capacities, word size or byte order is refused, as is any other file. An image that cannot be
@@ -24,98 +25,164 @@ extern "C" {
  * A process that is killed at any moment leaves every value old or new, and no lock behind. A value is one
  * element of one record: a statement, a reset or a load that changes several may have changed some of them.
  * A process must not close the descriptors of an image that it goes on using.
+ *
+ * @param image_path  the image; null for private memory
+ * @return 0, or non-zero
  */
 int qryhost_open(const char *image_path);
 
-/* Closes the store; the next platform call opens the default one afresh. */
+/**
+ * Closes the store; the next platform call opens the default one afresh. Must not run beside other platform
+ * calls.
+ *
+ * @return 0, or non-zero
+ */
 int qryhost_close(void);
 
-/* Puts every record, default record and setting back to its initial value: zeros. */
+/**
+ * Puts every record, default record and setting back to its initial value: zeros.
+ *
+ * @return 0, or non-zero
+ */
 int qryhost_reset(void);
 
-/*
- * Replaces records, default records and settings by those of a JSON file; a file that is refused changes
- * nothing. Saving writes a temporary file beside the target, syncs it and renames it. The format is described
- * in platform/host/fixture.h.
+/**
+ * Replaces records, default records and settings by those of a JSON file, whose format
+ * platform/host/fixture.h describes. A file that is refused changes nothing.
+ *
+ * @param json_path  the file
+ * @return 0, or non-zero
  */
 int qryhost_load(const char *json_path);
+
+/**
+ * Writes records, default records and settings to a JSON file: to a temporary one beside it, which is synced
+ * and renamed.
+ *
+ * @param json_path  the file; one that is there is replaced
+ * @return 0, or non-zero
+ */
 int qryhost_save(const char *json_path);
 
-/* Called for every finding with one line of text; `is_damage` is 0 for what is only worth knowing. */
+/**
+ * Called for every finding of qryhost_check().
+ *
+ * @param context    as given to qryhost_check()
+ * @param is_damage  0 for what is only worth knowing
+ * @param text       one line without a line end, valid during the call
+ */
 typedef void (*qryhost_check_sink)(void *context, int is_damage, const char *text);
 
-/*
+/**
  * Examines a device image without opening it as the store and without changing it: header, writes in
- * progress, the end of every string, primary keys that two records have, and free records. Fails when there
- * is damage, or the file is no image at all. `sink` may be null.
+ * progress, the end of every string, primary keys that two records have, and free records.
+ *
+ * @param image_path  the image
+ * @param sink        called for every finding; may be null
+ * @param context     handed to the sink
+ * @return 0; non-zero when there is damage, or the file is no image at all
  */
 int qryhost_check(const char *image_path, qryhost_check_sink sink, void *context);
 
-/* Why the calling thread's last control call failed, in one sentence; "" when it did not. Never null. */
+/**
+ * Tells why the calling thread's last control call failed.
+ *
+ * @return one sentence, valid until the thread's next control call; "" when the call did not fail. Never null
+ */
 const char *qryhost_error(void);
 
-/*
- * Called for every trace line, one at a time. `text` is one formatted line, valid during the call. A sink
- * must not trace and must not set a sink.
+/**
+ * Called for every trace line, one at a time, from the thread that traces. Must not trace and must not set a
+ * sink.
+ *
+ * @param context      as given to qryhost_set_trace_sink()
+ * @param destination  as the library gave it: 0
+ * @param module       as the library gave it: 258
+ * @param level        as the library gave it: 2
+ * @param text         one formatted line, valid during the call
  */
 typedef void (*qryhost_trace_sink)(void *context, uint32_t destination, uint32_t module, uint32_t level,
                                    const char *text);
 
-/* Sends the traces to `sink` instead of where QRYLIB_TRACE says; null drops them. */
+/**
+ * Sends the traces somewhere else than where QRYLIB_TRACE says.
+ *
+ * @param sink     called for every line; null drops them
+ * @param context  handed to the sink
+ */
 void qryhost_set_trace_sink(qryhost_trace_sink sink, void *context);
 
-/* Memory-partition blocks now in use, in all threads. */
+/**
+ * Counts the memory-partition blocks now in use.
+ *
+ * @return their number, of all threads
+ */
 uint32_t qryhost_pool_blocks(void);
 
-/*
- * The most bytes that the calling thread had taken and not given back at once since its last reset, as the
- * workstation's allocator rounds them. A reset starts from what is held at that moment.
+/**
+ * Tells the most bytes that the calling thread had taken and not given back at once since its last reset.
+ *
+ * @return bytes, as the workstation's allocator rounds them
  */
 uint64_t qryhost_pool_peak_bytes(void);
+
+/** Starts the calling thread's peak anew, from what is held at this moment. */
 void qryhost_pool_reset_peak(void);
 
-/*
- * The calling thread's database handle, as the database-handle service asks the library for it; 0 when the
- * thread has none or no service is registered.
+/**
+ * Tells the calling thread's database handle, as the database-handle service asks the library for it.
+ *
+ * @return the handle; 0 when the thread has none or no service is registered
  */
 uint32_t qryhost_current_db_handle(void);
 
-/*
- * The platform calls that can be made to fail, and are counted. tbctResetTable counts as INIT_TABLE and
- * tbctSTCSetStatus as SET_TABLE. Releases of what was taken before never fail.
+/**
+ * The platform calls that can be made to fail, and are counted. Releases of what was taken before never fail.
  */
 typedef enum {
-    QRYHOST_ALLOC,
-    QRYHOST_CREATE_MUTEX,
-    QRYHOST_REQUEST_MUTEX,
-    QRYHOST_LOCK_TASK,
-    QRYHOST_GET_TABLE,
-    QRYHOST_SET_TABLE,
-    QRYHOST_INIT_TABLE,
-    QRYHOST_GET_STATUS,
-    QRYHOST_CREATE_LIST,
-    QRYHOST_LIST_SET_POS,
-    QRYHOST_LIST_GET_VAL,
-    QRYHOST_SORT,
-    QRYHOST_CREATE_HANDLE,
-    QRYHOST_REGISTER_SERVICE,
-    QRYHOST_FILE_EXIST,
-    QRYHOST_FILE_MKDIR,
-    QRYHOST_FILE_REMOVE,
-    QRYHOST_FILE_OPEN,
-    QRYHOST_FILE_READ,
-    QRYHOST_FILE_WRITE,
-    QRYHOST_FILE_CLOSE,
-    QRYHOST_CALL_NUM
+    QRYHOST_ALLOC,            /**< pfwOSWOrgAllocMemPart */
+    QRYHOST_CREATE_MUTEX,     /**< pfwOSWCreateMutexSem */
+    QRYHOST_REQUEST_MUTEX,    /**< pfwOSWRequestMutexSem */
+    QRYHOST_LOCK_TASK,        /**< pfwOSWLockTask */
+    QRYHOST_GET_TABLE,        /**< tbctSTCGetTable */
+    QRYHOST_SET_TABLE,        /**< tbctSTCSetTable, tbctSTCSetStatus */
+    QRYHOST_INIT_TABLE,       /**< tbSTCInitTable, tbctResetTable */
+    QRYHOST_GET_STATUS,       /**< tbctSTCGetStatus */
+    QRYHOST_CREATE_LIST,      /**< tbctSTCCreateListTable */
+    QRYHOST_LIST_SET_POS,     /**< tbctSTCListTableSetPos */
+    QRYHOST_LIST_GET_VAL,     /**< tbctSTCListTableGetVal */
+    QRYHOST_SORT,             /**< cmn_lib_sort */
+    QRYHOST_CREATE_HANDLE,    /**< sdb_CreateDBHandle */
+    QRYHOST_REGISTER_SERVICE, /**< sdb_RegisterDBHandleService */
+    QRYHOST_FILE_EXIST,       /**< fsa_fio_existfile */
+    QRYHOST_FILE_MKDIR,       /**< fsa_fio_mkdir */
+    QRYHOST_FILE_REMOVE,      /**< fsa_fio_remove */
+    QRYHOST_FILE_OPEN,        /**< fsa_fio_fopen */
+    QRYHOST_FILE_READ,        /**< fsa_fio_fread */
+    QRYHOST_FILE_WRITE,       /**< fsa_fio_fwrite */
+    QRYHOST_FILE_CLOSE,       /**< fsa_fio_fclose */
+    QRYHOST_CALL_NUM          /**< the number of kinds */
 } qryhost_call;
 
-/* Lets `skip` calls of this kind through and fails the next `times` with `code`; forgets an earlier order. */
+/**
+ * Makes platform calls of one kind fail, in all threads; forgets an earlier order for that kind.
+ *
+ * @param call   the kind
+ * @param skip   calls that are let through first
+ * @param times  calls that fail then
+ * @param code   what they answer
+ */
 void qryhost_fail(qryhost_call call, uint32_t skip, uint32_t times, uint32_t code);
 
-/* Ends every injected failure and sets the call counts to 0. */
+/** Ends every injected failure and sets the call counts to 0. */
 void qryhost_fail_clear(void);
 
-/* Calls of this kind since the last qryhost_fail_clear. */
+/**
+ * Counts the platform calls of one kind.
+ *
+ * @param call  the kind
+ * @return calls since the last qryhost_fail_clear(), of all threads
+ */
 uint32_t qryhost_call_count(qryhost_call call);
 
 #ifdef __cplusplus

@@ -32,7 +32,7 @@ for session in "$scratch"/[0-9]*; do
         options=($(sed -n '1s|^.*/qrysh ||p' "$session"))
         sed -i 1d "$session"
     fi
-    sed -n 's/^qrysh> //p; /^$/p' "$session" >"$scratch/input"
+    sed -nE 's/^(qrysh|  \.\.\.)> //p; /^$/p' "$session" >"$scratch/input"
     expected_status=0
     ! grep -q '^error: ' "$session" || expected_status=1
     status=0

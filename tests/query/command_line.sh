@@ -41,6 +41,14 @@ expect 0 $'COUNT(\\*)\r\n10\r\nCOUNT(\\*)\n--*\n       0\n(1 row)\nCOUNT(\\*)\r\
     -c '.mode csv' -c "$count" -c '.mode table' -f lines.sql "$count"
 expect 1 '' 'error: missing.sql: *' -f missing.sql
 
+# An argument may hold several lines; its end ends a statement, and so does a file's. A forgotten ";" is an error.
+expect 0 $'COUNT(\\*)\r\n2\r' '' --fixture "$fixture" --mode csv $'SELECT COUNT(*)\nFROM PSN_TBL\n  WHERE PSN_ID < 3'
+expect 0 $'COUNT(\\*)\r\n10\r\nCOUNT(\\*)\r\n0\r' '' --fixture "$fixture" --mode csv \
+    -c $'SELECT COUNT(*)\nFROM PSN_TBL;\n\nDROP TABLE PSN_TBL' -c $'.db adbk_db\n' -f <(printf 'SELECT COUNT(*)\r\nFROM PSN_TBL')
+expect 1 $'COUNT(\\*)\r\n10\r' 'error: not run, since it does not end with ";": DELETE FROM PSN_TBL' --fixture "$fixture" \
+    --mode csv -f <(printf 'DELETE FROM\nPSN_TBL\nSELECT COUNT(*) FROM PSN_TBL\n')
+expect 1 '' 'error: not run, since it does not end with ";": SELECT' --bail $'SELECT\n.tables'
+
 # What is asked for may be refused as a whole.
 expect 1 '' 'error: only SELECT may run*' --readonly 'DELETE FROM PSN_TBL'
 expect 1 '' 'error: only SELECT may run*' --readonly 'UPDATE PSN_TBL SET PSN_ID = 1'

@@ -36,7 +36,8 @@ start() {
     expect '^qrysh>'
 }
 keys() { terminal send-keys -t shell "$@"; }
-type_line() { terminal send-keys -t shell -l "$1" && keys Enter; }
+# A semicolon at the end is tmux's own, unless it is marked.
+type_line() { terminal send-keys -t shell -l "${1/%;/\\;}" && keys Enter; }
 
 # A box is the default, and Japanese text stands in columns of the right width.
 start
@@ -65,10 +66,33 @@ expect '^qrysh> .databases'
 keys C-u
 terminal send-keys -t shell -l '.e'
 keys Tab
-expect '^\.echo  \.explain  \.export'
+expect '^\.echo  \.exit  \.explain  \.export'
+
+keys C-u
+# A statement over several lines has a prompt of its own; a column is completed of the table that a line before named.
+keys C-l
+type_line 'SELECT COUNT(*)'
+expect '^  \.\.\.>'
+type_line 'FROM PSN_TBL'
+expect '^  \.\.\.> FROM PSN_TBL$'
+terminal send-keys -t shell -l 'WHERE psn_k'
+keys Tab
+expect '^  \.\.\.> WHERE PSN_KANA $'
+type_line "LIKE 'サ%';"
+expect '^│        2 │$'
+
+# Ctrl-C in the middle drops the whole statement, Ctrl-D too; the next line begins another.
+for key in C-c C-d; do
+    keys C-l
+    type_line 'DELETE FROM'
+    expect '^  \.\.\.>'
+    keys $key
+    expect '^qrysh>'
+    type_line 'SELECT COUNT(*) FROM PSN_TBL'
+    expect '^│       10 │$'
+done
 
 # Ctrl-C drops the line, and what is typed then is read alone.
-keys C-u
 terminal send-keys -t shell -l 'DELETE FROM'
 keys C-c
 expect '^qrysh> DELETE FROM'

@@ -104,6 +104,7 @@ constexpr command commands[] = {
      "table), or .sqlite and .db for a SQLite database with typed columns and primary keys.\n"},
     {".echo", argument::required, touches::nothing, ".echo on|off", "print each line above its answer",
      switch_echo, ""},
+    {".exit", argument::none, touches::nothing, ".exit", "leave the shell", quit, ""},
     {".explain", argument::required, touches::nothing, ".explain SQL", "show how a statement is understood",
      explain_statement,
      "Prints the analyzed query, the queries and links of a join, and the filter keys in the order in\n"
@@ -150,10 +151,13 @@ constexpr command commands[] = {
 
 constexpr std::string_view statement_help =
     "\n"
-    "Anything else is a statement, one a line, with or without \";\" behind it; a line that begins with\n"
-    "\"--\" is a comment. Keywords and names are upper case. SELECT, DELETE FROM, DROP TABLE (deletes every\n"
-    "record) and CREATE (no effect) are texts that the library reads. It reads no INSERT and no UPDATE:\n"
-    "the shell does, and hands them over as statement records.\n"
+    "Anything else is a statement. One that stands whole on a line needs no \";\" behind it; one whose\n"
+    "first line is not whole, such as a SELECT without FROM, goes on to the line that ends with \";\". A\n"
+    "line that begins with \"--\" is a comment.\n"
+    "\n"
+    "Keywords and names are upper case. SELECT, DELETE FROM, DROP TABLE (deletes every record) and CREATE\n"
+    "(no effect) are texts that the library reads. It reads no INSERT and no UPDATE: the shell does, and\n"
+    "hands them over as statement records.\n"
     "\n"
     "  INSERT INTO TABLE (COLUMN, ...) VALUES (VALUE, ...)\n"
     "  UPDATE TABLE SET COLUMN = VALUE, ... [WHERE CONDITION]\n"

@@ -125,7 +125,7 @@ std::uint32_t explain(const std::string &db_name, const std::string &sql, explan
 } // namespace
 
 outcome explain_statement(session &shell, const std::string &sql) {
-    const std::string statement(sql.back() == ';' ? sql.substr(0, sql.size() - 1) : sql);
+    const std::string statement(without_semicolon(sql));
     explanation found;
     shell.traces().clear();
     try {

@@ -23,20 +23,6 @@ namespace {
 
 using tables = std::vector<sqlite_table>;
 
-// A line of the shell ends at a line end, inside quotes too.
-void refuse_line_ends(const result &rows) {
-    for (const std::vector<cell> &row : rows.rows) {
-        for (const cell &value : row) {
-            const auto *text = std::get_if<std::string>(&value);
-            if (text != nullptr && text->find('\n') != std::string::npos) {
-                throw std::runtime_error(fmt::format(
-                    "a text of {} holds a line end, which no statement can; .json and .sqlite can",
-                    rows.table));
-            }
-        }
-    }
-}
-
 // The records of a table that has no free ones are not inserted but changed, by their first key.
 std::string update_lines(const sqlite_table &table) {
     std::string out;
@@ -59,7 +45,6 @@ std::string update_lines(const sqlite_table &table) {
 std::string as_statements(const std::string &db_name, const tables &all) {
     std::string out;
     for (const sqlite_table &table : all) {
-        refuse_line_ends(table.rows);
         const bool is_updated = !db_name.empty() && free_keys(db_name, table.rows.table).empty();
         out += is_updated ? update_lines(table) : format_insert(table.rows);
     }

@@ -178,8 +178,7 @@ outcome inject_fault(session &shell, const std::string &order) {
     const word_and_rest parts = split_first_word(order);
     if (parts.word == "sweep" && !parts.rest.empty()) {
         try {
-            return sweep(shell,
-                         parts.rest.back() == ';' ? parts.rest.substr(0, parts.rest.size() - 1) : parts.rest);
+            return sweep(shell, std::string(without_semicolon(parts.rest)));
         } catch (const syntax_error &error) {
             return session::fail(error.what());
         }

@@ -6,24 +6,12 @@
 #include <cerrno>
 #include <fstream>
 #include <iostream>
+#include <sstream>
 #include <system_error>
 
 namespace qrysh {
 
 namespace {
-
-class argument_lines : public line_source {
-  public:
-    explicit argument_lines(const std::vector<std::string> &arguments) : arguments_(arguments) {}
-
-    std::optional<std::string> next() override {
-        return index_ < arguments_.size() ? std::optional(arguments_[index_++]) : std::nullopt;
-    }
-
-  private:
-    std::vector<std::string> arguments_;
-    std::size_t index_ = 0;
-};
 
 class stream_lines : public line_source {
   public:
@@ -46,6 +34,17 @@ class stream_lines : public line_source {
     std::string name_;
 };
 
+class argument_lines : public line_source {
+  public:
+    explicit argument_lines(const std::string &argument) : text_(argument), lines_(text_, "argument") {}
+
+    std::optional<std::string> next() override { return lines_.next(); }
+
+  private:
+    std::istringstream text_;
+    stream_lines lines_;
+};
+
 class file_lines : public line_source {
   public:
     explicit file_lines(const std::string &path) : file_(path), lines_(file_, path) {
@@ -64,17 +63,17 @@ class file_lines : public line_source {
 
 } // namespace
 
-std::unique_ptr<line_source> open_arguments(const std::vector<std::string> &arguments) {
-    return std::make_unique<argument_lines>(arguments);
+std::unique_ptr<line_source> open_argument(const std::string &argument) {
+    return std::make_unique<argument_lines>(argument);
 }
 
 std::unique_ptr<line_source> open_file(const std::string &path) {
     return std::make_unique<file_lines>(path);
 }
 
-std::unique_ptr<line_source> open_input(completer complete_line) {
+std::unique_ptr<line_source> open_input(prompt_hooks hooks) {
     if (isatty(STDIN_FILENO) != 0) {
-        return open_prompt(std::move(complete_line));
+        return open_prompt(std::move(hooks));
     }
     return std::make_unique<stream_lines>(std::cin, "standard input");
 }

@@ -33,41 +33,58 @@ bool set_up(session &shell, const options &chosen) {
     return chosen.fixture.empty() || shell.load(chosen.fixture) != outcome::failed;
 }
 
+// The lines before are completed with: they may name the tables.
+completion complete_after(const session &shell, std::string_view line, std::size_t cursor) {
+    std::string before = shell.unfinished();
+    if (!before.empty()) {
+        before += ' ';
+    }
+    completion found = complete(shell.database(), before + std::string(line), before.size() + cursor);
+    found.word_begin -= before.size();
+    return found;
+}
+
+prompt_hooks hooks_of(session &shell) {
+    return {
+        [&shell](std::string_view line, std::size_t cursor) { return complete_after(shell, line, cursor); },
+        [&shell] { return prompt_for(shell.unfinished()); }, [&shell] { return shell.drop_unfinished(); }};
+}
+
 // In the order in which they are read.
 std::vector<std::unique_ptr<line_source>> open_sources(session &shell, const options &chosen) {
     std::vector<std::unique_ptr<line_source>> sources;
-    if (!chosen.commands.empty()) {
-        sources.push_back(open_arguments(chosen.commands));
+    for (const std::string &command : chosen.commands) {
+        sources.push_back(open_argument(command));
     }
     if (!chosen.file.empty()) {
         sources.push_back(open_file(chosen.file));
     }
-    if (!chosen.statements.empty()) {
-        sources.push_back(open_arguments(chosen.statements));
+    for (const std::string &statement : chosen.statements) {
+        sources.push_back(open_argument(statement));
     }
     if (sources.empty()) {
-        sources.push_back(open_input([&shell](std::string_view line, std::size_t cursor) {
-            return complete(shell.database(), line, cursor);
-        }));
+        sources.push_back(open_input(hooks_of(shell)));
     }
     return sources;
 }
 
 // How reading the lines ended: quit, failed for good, or done.
 outcome run_lines(session &shell, line_source &lines, bool bail, int &status) {
-    while (const std::optional<std::string> line = lines.next()) {
-        const outcome answer = shell.run(*line);
-        if (answer == outcome::quit) {
+    for (;;) {
+        const std::optional<std::string> line = lines.next();
+        outcome answer = line ? shell.make_way_for(*line) : shell.run_rest();
+        if (line && (answer == outcome::done || !bail)) {
+            status = answer == outcome::failed ? 1 : status;
+            answer = shell.run(*line);
+        }
+        status = answer == outcome::failed ? 1 : status;
+        if (answer == outcome::quit || (answer == outcome::failed && bail)) {
             return answer;
         }
-        if (answer == outcome::failed) {
-            status = 1;
-            if (bail) {
-                return answer;
-            }
+        if (!line) {
+            return outcome::done;
         }
     }
-    return outcome::done;
 }
 
 int run(int argc, char **argv) {

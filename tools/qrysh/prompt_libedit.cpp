@@ -15,10 +15,6 @@ namespace {
 
 constexpr int history_length = 500;
 
-const char *prompt_of(EditLine * /*editor*/) {
-    return prompt_text;
-}
-
 std::string history_path() {
     if (const char *const chosen = std::getenv("QRYSH_HISTORY")) {
         return chosen;
@@ -37,8 +33,8 @@ struct history_closer {
 
 class libedit_prompt : public line_source {
   public:
-    explicit libedit_prompt(completer complete_line)
-        : complete_(std::move(complete_line)), path_(history_path()), history_(history_init()),
+    explicit libedit_prompt(prompt_hooks hooks)
+        : hooks_(std::move(hooks)), path_(history_path()), history_(history_init()),
           editor_(el_init("qrysh", stdin, stdout, stderr)) {
         if (!history_ || !editor_) {
             throw std::runtime_error("the terminal cannot be used for line editing");
@@ -57,23 +53,22 @@ class libedit_prompt : public line_source {
             int length = 0;
             take_interrupt(); // one that came before, while an answer was shown, is not this line's
             const char *const typed = el_gets(editor_.get(), &length);
-            if (take_interrupt()) {
-                el_reset(editor_.get());
-                print("\n");
-                continue;
+            const bool interrupted = take_interrupt();
+            if (!interrupted && typed != nullptr && length > 0) {
+                return keep(std::string(typed, static_cast<std::size_t>(length)));
             }
-            if (typed == nullptr || length <= 0) {
-                print("\n"); // what is said next stands on a line of its own
+            print("\n"); // what is said next stands on a line of its own
+            if (!hooks_.drop() && !interrupted) {
                 return std::nullopt;
             }
-            return keep(std::string(typed, static_cast<std::size_t>(length)));
+            el_reset(editor_.get());
         }
     }
 
   private:
     void set_up_editor() {
         el_set(editor_.get(), EL_CLIENTDATA, this);
-        el_set(editor_.get(), EL_PROMPT, prompt_of);
+        el_set(editor_.get(), EL_PROMPT, prompt_text);
         el_set(editor_.get(), EL_EDITOR, "emacs");
         el_set(editor_.get(), EL_HIST, history, history_.get());
         el_set(editor_.get(), EL_ADDFN, "qrysh-complete", "Complete the word", complete_word);
@@ -95,14 +90,20 @@ class libedit_prompt : public line_source {
         return line;
     }
 
-    // Replaces the word by what all candidates begin with; lists them where that adds nothing.
-    static unsigned char complete_word(EditLine *editor, int /*key*/) {
+    static libedit_prompt &prompt_of(EditLine *editor) {
         libedit_prompt *prompt = nullptr;
         el_get(editor, EL_CLIENTDATA, &prompt);
+        return *prompt;
+    }
+
+    static const char *prompt_text(EditLine *editor) { return prompt_of(editor).hooks_.prompt(); }
+
+    // Replaces the word by what all candidates begin with; lists them where that adds nothing.
+    static unsigned char complete_word(EditLine *editor, int /*key*/) {
         const LineInfo *const info = el_line(editor);
         const std::string line(info->buffer, info->lastchar);
         const auto cursor = static_cast<std::size_t>(info->cursor - info->buffer);
-        const completion found = prompt->complete_(line, cursor);
+        const completion found = prompt_of(editor).hooks_.complete(line, cursor);
         if (found.candidates.empty()) {
             return CC_ERROR;
         }
@@ -127,7 +128,7 @@ class libedit_prompt : public line_source {
         print(text + '\n');
     }
 
-    completer complete_;
+    prompt_hooks hooks_;
     std::string path_;
     HistEvent event_{};
     // The editor reads the history until its own end, so it goes first: members are destroyed from below.
@@ -137,8 +138,8 @@ class libedit_prompt : public line_source {
 
 } // namespace
 
-std::unique_ptr<line_source> open_prompt(completer complete_line) {
-    return std::make_unique<libedit_prompt>(std::move(complete_line));
+std::unique_ptr<line_source> open_prompt(prompt_hooks hooks) {
+    return std::make_unique<libedit_prompt>(std::move(hooks));
 }
 
 } // namespace qrysh

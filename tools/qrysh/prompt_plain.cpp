@@ -12,17 +12,18 @@ namespace {
 
 class plain_prompt : public line_source {
   public:
-    plain_prompt() { catch_interrupts(); }
+    explicit plain_prompt(prompt_hooks hooks) : hooks_(std::move(hooks)) { catch_interrupts(); }
 
     std::optional<std::string> next() override {
         for (;;) {
-            print(prompt_text);
+            print(hooks_.prompt());
             take_interrupt(); // one that came before is not this line's
             std::string line;
             if (std::getline(std::cin, line)) {
                 return line;
             }
-            if (!take_interrupt()) {
+            const bool interrupted = take_interrupt();
+            if (!hooks_.drop() && !interrupted) {
                 return std::nullopt;
             }
             std::clearerr(stdin);
@@ -30,12 +31,15 @@ class plain_prompt : public line_source {
             print("\n");
         }
     }
+
+  private:
+    prompt_hooks hooks_;
 };
 
 } // namespace
 
-std::unique_ptr<line_source> open_prompt(completer /*complete_line*/) {
-    return std::make_unique<plain_prompt>();
+std::unique_ptr<line_source> open_prompt(prompt_hooks hooks) {
+    return std::make_unique<plain_prompt>(std::move(hooks));
 }
 
 } // namespace qrysh

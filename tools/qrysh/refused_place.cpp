@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "tools/qrysh/commands.h"
 #include "tools/qrysh/condition_fault.h"
 #include "tools/qrysh/diagnosis.h"
 #include "tools/qrysh/near_match.h"
@@ -99,6 +100,12 @@ std::optional<finding> at_empty_item(const std::string &sql, const refusal &row)
     return std::nullopt;
 }
 
+// What a line begins with that was meant to go on with a statement that is answered already.
+bool begins_clause(std::string_view word) {
+    constexpr std::string_view clauses[] = {"FROM", "WHERE", "AND", "OR", "ORDER"};
+    return std::find(std::begin(clauses), std::end(clauses), word) != std::end(clauses);
+}
+
 std::optional<finding> at_unknown_statement(const std::string &sql, const refusal & /*row*/) {
     static const std::vector<std::string> known = {"SELECT", "INSERT", "UPDATE", "DELETE", "DROP", "CREATE"};
     const std::size_t begin = std::min(sql.find_first_not_of(' '), sql.size());
@@ -111,9 +118,14 @@ std::optional<finding> at_unknown_statement(const std::string &sql, const refusa
     if (near == in_capitals(word)) {
         return finding{begin, word.size(), fmt::format("keywords are upper case: write {}", near)};
     }
-    return finding{
-        begin, word.size(),
-        fmt::format("no statement begins with \"{}\"{}", printable(word), did_you_mean(word, known))};
+    if (begins_clause(word)) {
+        return finding{begin, word.size(),
+                       "no statement begins so: the line before stood whole, and was answered"};
+    }
+    const std::string guess =
+        near.empty() ? did_you_mean('.' + word, command_names()) : did_you_mean(word, known);
+    return finding{begin, word.size(),
+                   fmt::format("no statement begins with \"{}\"{}", printable(word), guess)};
 }
 
 // AND and OR in one condition: the first word that is not like those before it.

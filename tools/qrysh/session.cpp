@@ -27,11 +27,8 @@ void print_finding(void * /*context*/, int is_damage, const char *text) {
     print(fmt::format("{}: {}\n", is_damage != 0 ? "damage" : "note", printable(text)));
 }
 
-// The statement itself: one ";" behind it is the shell's. All else stays, blanks at the end included, since
-// they matter to the library: "ORDER BY " has a sort phrase, though an empty one, and "ORDER BY" has none.
-std::string_view without_semicolon(std::string_view line) {
-    const std::size_t last = line.find_last_not_of(' ');
-    return last != std::string_view::npos && line[last] == ';' ? line.substr(0, last) : line;
+std::string_view without_return(std::string_view line) {
+    return line.substr(0, line.size() - (!line.empty() && line.back() == '\r' ? 1 : 0));
 }
 
 outcome report_host(int result) {
@@ -41,23 +38,41 @@ outcome report_host(int result) {
 } // namespace
 
 outcome session::run(std::string_view line) {
-    if (!line.empty() && line.back() == '\r') {
-        line.remove_suffix(1);
-    }
     if (settings_.echo) {
-        say(line.empty() ? "\n" : fmt::format("qrysh> {}\n", line));
+        const std::string_view shown = without_return(line);
+        say(shown.empty() ? "\n" : fmt::format("{}{}\n", prompt_for(unfinished()), shown));
     }
-    const std::string_view text = trim(line);
-    if (text.empty() || text.substr(0, 2) == "--") {
-        return outcome::done;
-    }
-    if (text.find('\0') != std::string_view::npos) {
+    if (line.find('\0') != std::string_view::npos) {
+        lines_.take();
         return fail("a line must not hold a zero byte");
     }
-    if (text.front() == '.') {
-        return run_command(*this, text);
+    if (!lines_.is_open()) {
+        const std::string_view text = trim(without_return(line));
+        if (text.empty() || text.substr(0, 2) == "--") {
+            return outcome::done;
+        }
+        if (text.front() == '.') {
+            return run_command(*this, text);
+        }
     }
-    const std::string sql(without_semicolon(line));
+    return lines_.add(line) ? answer(lines_.take()) : outcome::done;
+}
+
+outcome session::make_way_for(std::string_view line) {
+    return lines_.is_cut_off_by(line)
+               ? fail(fmt::format("not run, since it does not end with \";\": {}", printable(lines_.take())))
+               : outcome::done;
+}
+
+outcome session::run_rest() {
+    return lines_.is_open() ? answer(lines_.take()) : outcome::done;
+}
+
+outcome session::answer(std::string_view text) {
+    if (trim(text).substr(0, 1) == ".") {
+        return run_command(*this, trim(text));
+    }
+    const std::string sql(without_semicolon(text));
     return trim(sql).empty() ? outcome::done : run_statement(sql);
 }
 

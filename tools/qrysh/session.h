@@ -8,6 +8,7 @@
 
 #include "tools/qrysh/finding.h"
 #include "tools/qrysh/printers.h"
+#include "tools/qrysh/statement_lines.h"
 #include "tools/qrysh/trace_log.h"
 
 namespace qrysh {
@@ -26,8 +27,24 @@ struct settings {
 // through at once, so that they interleave in the order in which they arose.
 class session {
   public:
-    // Answers `line`: a statement, a command that begins with ".", a comment or nothing.
+    // Takes the next line: a command that begins with ".", a comment, nothing, or one of a statement, which
+    // is answered with its last line.
     outcome run(std::string_view line);
+
+    // To be asked before a line is taken: refuses an unfinished statement where the line begins another.
+    outcome make_way_for(std::string_view line);
+
+    // Answers the statement whose lines have ended without a semicolon.
+    outcome run_rest();
+
+    // The statement to which the next line belongs, as far as it goes; empty when there is none.
+    const std::string &unfinished() const { return lines_.text(); }
+
+    // Forgets that statement. False when there is none.
+    bool drop_unfinished() { return !lines_.take().empty(); }
+
+    // Answers a whole statement, with or without a semicolon behind it, or a command.
+    outcome answer(std::string_view text);
 
     // Answers a statement without its semicolon.
     outcome run_statement(const std::string &sql);
@@ -62,6 +79,7 @@ class session {
     outcome run_and_show(const std::string &sql);
 
     std::string database_ = "adbk_db";
+    statement_lines lines_;
     settings settings_;
     trace_log traces_;
     std::optional<result> last_answer_;

@@ -12,8 +12,9 @@
 
 namespace qrysh {
 
-syntax_error::syntax_error(std::size_t place, const std::string &sentence)
-    : std::runtime_error(fmt::format("at character {}: {}", place, sentence)), place_(place) {}
+syntax_error::syntax_error(kind what_kind, std::size_t place, const std::string &sentence)
+    : std::runtime_error(fmt::format("at character {}: {}", place, sentence)), kind_(what_kind),
+      place_(place) {}
 
 namespace {
 
@@ -88,9 +89,15 @@ class scanner {
         return std::string(trim(text_.substr(position_)));
     }
 
-    [[noreturn]] void fail(const std::string &sentence) const { throw syntax_error(position_ + 1, sentence); }
+    [[noreturn]] void fail(const std::string &sentence) const {
+        fail(position_ == text_.size() ? syntax_error::kind::cut_off : syntax_error::kind::wrong, sentence);
+    }
 
   private:
+    [[noreturn]] void fail(syntax_error::kind kind, const std::string &sentence) const {
+        throw syntax_error(kind, position_ + 1, sentence);
+    }
+
     void skip_blanks() {
         while (position_ < text_.size() && text_[position_] == ' ') {
             ++position_;
@@ -117,7 +124,7 @@ class scanner {
                 return value;
             }
         }
-        fail("the quote is not closed");
+        fail(syntax_error::kind::open_quote, "the quote is not closed");
     }
 
     std::int64_t number_value() {
@@ -164,7 +171,9 @@ write_statement parse_insert(scanner &scan) {
     write_statement statement{true, "", {}, ""};
     scan.expect_keyword("INTO");
     statement.table = expect_table(scan);
-    scan.expect("(");
+    if (!scan.take("(")) {
+        scan.fail("expected \"(\" and the columns to write");
+    }
     do {
         statement.values.push_back({expect_column(scan), std::int64_t{0}});
     } while (scan.take(","));

@@ -34,10 +34,18 @@ struct write_statement {
 // What is wrong with a text, and at which of its characters, counted from 1 in bytes.
 class syntax_error : public std::runtime_error {
   public:
-    syntax_error(std::size_t place, const std::string &sentence);
+    enum class kind {
+        wrong,     // more text would not mend it
+        cut_off,   // it ends where something was expected
+        open_quote // it ends between quotes
+    };
+
+    syntax_error(kind what_kind, std::size_t place, const std::string &sentence);
+    kind what_kind() const { return kind_; }
     std::size_t place() const { return place_; }
 
   private:
+    kind kind_;
     std::size_t place_;
 };
 

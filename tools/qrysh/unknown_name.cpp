@@ -55,6 +55,16 @@ found check_clause_in_table(const std::string &sql, const std::string &table) {
                    "expected WHERE, ORDER BY or the end of the statement" + did_you_mean(word, clauses)};
 }
 
+// Tables of other databases are named more often than tables are mistyped.
+std::string where_table_is(const std::string &db_name, const std::string &table) {
+    for (const std::string &other : database_names()) {
+        if (table_exists(other, table)) {
+            return fmt::format("; {0} has: .db {0}", other);
+        }
+    }
+    return did_you_mean(table, table_names(db_name));
+}
+
 found check_table(const std::string &db_name, const std::string &sql, const std::string &table) {
     if (table_exists(db_name, table)) {
         return std::nullopt;
@@ -62,9 +72,9 @@ found check_table(const std::string &db_name, const std::string &sql, const std:
     if (found clause = check_clause_in_table(sql, table)) {
         return clause;
     }
-    return point_at_name(sql, place_of(sql, " FROM "), table,
-                         fmt::format("{} has no table \"{}\"{}", db_name, printable(table),
-                                     did_you_mean(table, table_names(db_name))));
+    return point_at_name(
+        sql, place_of(sql, " FROM "), table,
+        fmt::format("{} has no table \"{}\"{}", db_name, printable(table), where_table_is(db_name, table)));
 }
 
 // What is written elsewhere and cannot be here; null for any other name.

@@ -45,7 +45,7 @@ outcome watch_statement(session &shell, const std::string &order) {
     take_interrupt();
     for (int round = 1;; ++round) {
         say(fmt::format("-- {}, every {} s, Ctrl-C ends\n", round, parts.word));
-        if (shell.run(parts.rest) != outcome::done) {
+        if (shell.answer(parts.rest) != outcome::done) {
             return outcome::failed;
         }
         if (!wait(seconds(time))) {

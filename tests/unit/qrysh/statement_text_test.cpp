@@ -117,7 +117,7 @@ INSTANTIATE_TEST_SUITE_P(
                      "at character 1: expected INSERT or UPDATE (keywords are upper case)"},
         refused_text{"INSERT T (A) VALUES (1)", "at character 8: expected INTO (keywords are upper case)"},
         refused_text{"INSERT INTO (A) VALUES (1)", "at character 13: expected a table name"},
-        refused_text{"INSERT INTO T VALUES (1)", "at character 15: expected \"(\""},
+        refused_text{"INSERT INTO T VALUES (1)", "at character 15: expected \"(\" and the columns to write"},
         refused_text{"INSERT INTO T () VALUES (1)", "at character 16: expected a column name"},
         refused_text{"INSERT INTO T (A B) VALUES (1)", "at character 18: expected \")\""},
         refused_text{"INSERT INTO T (A) (1)", "at character 19: expected VALUES (keywords are upper case)"},
