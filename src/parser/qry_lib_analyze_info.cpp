@@ -51,7 +51,7 @@ void qry_lib_analyze_info::add_filter_cols(const char *table, const char *col, c
                                            std::int32_t quoted) {
     QRY_LIB_CONDITION &condition = filters_.emplace_back();
     condition.col_name = col;
-    condition.value.assign(value, bounded_length(value, QRY_LIB_STRING_MAX));
+    copy_bounded(condition.value.str_value, value);
     condition.operation = operation;
     condition.join = join;
     condition.table_name = table;
@@ -125,7 +125,7 @@ std::uint32_t qry_lib_analyze_info::get_filter_cols(std::uint16_t index, char *c
     }
     const QRY_LIB_CONDITION &condition = filters_[index];
     copy_bounded<QRY_LIB_COLUMN_NAME_MAX>(col, condition.col_name.c_str());
-    copy_bounded<QRY_LIB_STRING_MAX>(value, condition.value.c_str());
+    copy_bounded<QRY_LIB_STRING_MAX>(value, condition.value.str_value);
     operation = condition.operation;
     join = condition.join;
     quoted = condition.value_is_quoted;

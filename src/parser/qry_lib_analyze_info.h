@@ -10,11 +10,11 @@
 
 namespace norvane {
 
-// One comparison of a WHERE clause. The value is text without its quotes; it becomes a number where the
-// column's type is known.
+// One comparison of a WHERE clause. The value is text without its quotes and zero behind it; it becomes a
+// number where the column's type is known.
 struct QRY_LIB_CONDITION {
     std::string col_name;
-    std::string value; // at most 2999 characters
+    QRY_LIB_COLUMN_VALUE value;
     QRY_LIB_OPERATION_TYPE operation;
     QRY_LIB_JOIN_TYPE join;
     std::string table_name;

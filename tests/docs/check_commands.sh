@@ -19,7 +19,7 @@ sources() { grep -rqE --include=CMakeLists.txt --include='*.cmake' --include='*.
 check_option() {
     case $1 in
     --preset) grep -qF "\"name\": \"$2\"" CMakePresets.json || missing "preset $2" ;;
-    -L) sources "LABELS \"?([a-z-]+;)*$2\b" tests fuzz || missing "label $2" ;;
+    -L) sources "LABELS \"?([a-z-]+;)*$2\b" tests fuzz bench || missing "label $2" ;;
     -C) sources "CONFIGURATIONS $2\b" tests || missing "configuration $2" ;;
     -R) sources "TEST(_F|_P)?\([A-Za-z]*$2|NAME [a-z._]*$2" tests || missing "test like $2" ;;
     esac
@@ -32,7 +32,7 @@ check_built() {
     [ "$preset" = mydevice ] || grep -qF "\"name\": \"$preset\"" CMakePresets.json || missing "preset $preset"
     target=$(basename "$1")
     [ "$1" = "build/$preset" ] || [[ $target == *[A-Z]* ]] ||
-        sources "(add_executable\(|^) *$target\b" tests tools fuzz || missing "target $target"
+        sources "(add_executable\(|^) *$target\b" tests tools fuzz bench || missing "target $target"
 }
 
 check_word() {
