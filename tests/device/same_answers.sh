@@ -49,11 +49,12 @@ for text in "$queries"/*.sql; do
     fixture=$queries/$name.json
     [ -e "$fixture" ] || fixture=$here/../../examples/office.json
     for build in workstation device; do
-        # A text that leaves the shell would never come to the saving.
-        { sed '/^\.quit/,$d' "$text"; printf '\n.save %s.json\n' "$name"; } >"$scratch/script"
+        # A text that leaves the shell would never come to the saving, which stands apart from a statement that the
+        # text does not end.
+        sed '/^\.quit/,$d' "$text" >"$scratch/script"
         answers=$scratch/$build/$name.answers
-        (on "$build" tools/qrysh/qrysh --echo --trace --fixture "$fixture") <"$scratch/script" >"$answers" 2>&1 ||
-            echo "exit status $?" >>"$answers"
+        (on "$build" tools/qrysh/qrysh --echo --trace --fixture "$fixture" -f "$scratch/script" \
+            ".save $name.json") >"$answers" 2>&1 || echo "exit status $?" >>"$answers"
     done
     same "what is printed" "$name.answers"
     same "the records left" "$name.json"
