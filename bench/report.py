@@ -6,6 +6,8 @@ import statistics
 import sys
 
 ENGINES = ("qrylib", "sqlite_fresh", "sqlite_kept")
+STATEMENTS = ("point_by_key", "point_by_column", "filtered_count", "like_prefix", "in_list", "ordered_two_columns",
+              "all_columns", "join", "update_one", "delete_insert", "record_select", "unused_id")
 TITLES = {"qrylib": "qrylib", "sqlite_fresh": "SQLite, fresh text", "sqlite_kept": "SQLite, kept statement"}
 COLOURS = {"qrylib": "#1b6ca8", "sqlite_fresh": "#c8553d", "sqlite_kept": "#8a8a8a"}
 
@@ -63,7 +65,7 @@ def size_plot(times):
         return None
     sizes = [s for line in points.values() for s, _ in line]
     values = [v for line in points.values() for _, v in line]
-    left, top, width, height = 60, 20, 460, 300
+    left, top, width, height = 80, 20, 460, 300
 
     def place(size, value):
         x = left + width * (math.log(size) - math.log(min(sizes))) / (math.log(max(sizes)) - math.log(min(sizes)))
@@ -81,13 +83,15 @@ def size_plot(times):
             body.append(f'<line x1="{left}" y1="{y:.0f}" x2="{left + width}" y2="{y:.0f}" stroke="#ddd"/>'
                         f'<text x="{left - 6}" y="{y + 4:.0f}" text-anchor="end">{value:g} us</text>')
     dashes = {name: dash for name, dash in zip(sorted({n for n, _ in points}), ("", "6 3", "2 3"))}
-    for (name, engine), line in sorted(points.items()):
+    label_y = top - 14
+    for (name, engine), line in sorted(points.items(), key=lambda item: place(*max(item[1]))[1]):
         path = " ".join(f"{x:.1f},{y:.1f}" for x, y in (place(*p) for p in sorted(line)))
         body.append(f'<polyline points="{path}" fill="none" stroke="{COLOURS[engine]}" stroke-width="2" '
                     f'stroke-dasharray="{dashes[name]}"/>')
         x, y = place(*max(line))
-        body.append(f'<text x="{x + 6:.0f}" y="{y + 4:.0f}">{name}, {TITLES[engine]}</text>')
-    return svg(left + width + 230, top + height + 30, body)
+        label_y = max(label_y + 14, y + 4)  # lines may end close together
+        body.append(f'<text x="{x + 6:.0f}" y="{label_y:.0f}" fill="{COLOURS[engine]}">{name}, {TITLES[engine]}</text>')
+    return svg(left + width + 260, top + height + 30, body)
 
 
 def table(times, counters, statements):
@@ -110,17 +114,14 @@ def size_table(times):
     for name in names:
         for size in sorted({s for n, s, _ in times if n == name and s is not None}):
             ours, fresh, kept = (times[name, size, engine] for engine in ENGINES)
-            rows.append(f"| {name} | {size} | {ours:.2f} | {fresh:.2f} | {kept:.2f} | {fresh / ours:.1f} |")
+            rows.append(f"| {name} | {size} | {ours:.2f} | {fresh:.2f} | {kept:.2f} | {fresh / ours:.2f} |")
     return "\n".join(rows)
 
 
 def main():
     results, docs = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
     times, counters, machine = load(results)
-    statements = []
-    for name, size, _ in times:
-        if size is None and name not in statements:
-            statements.append(name)
+    statements = sorted({name for name, size, _ in times if size is None}, key=STATEMENTS.index)
     (docs / "benchmark-ratios.svg").write_text(ratio_plot(times, statements))
     sizes = size_plot(times)
     page = (pathlib.Path(__file__).parent / "benchmarks.template").read_text()
