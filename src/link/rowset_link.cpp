@@ -101,8 +101,9 @@ int qry_lib_db_rowset_link_lib::take_first(qry_lib_db_rowset_ &table, QRY_LIB_RO
 void qry_lib_db_rowset_link_lib::append_row(const qry_lib_db_rowset_ &table, const char *label,
                                             QRY_LIB_RECORD_LINK &record) {
     const qry_lib_db_rowset_lib rows;
+    const std::int32_t col_num = std::max(table.records[table.current].col_num, 0);
+    record.cols.reserve(record.cols.size() + static_cast<std::size_t>(col_num));
     std::uint16_t index = 0;
-    record.cols.reserve(record.cols.size() + static_cast<std::size_t>(table.records[table.current].col_num));
     for (const QRY_LIB_COLUMN *column = rows.col_at(table, index); column != nullptr;
          column = rows.col_at(table, ++index)) {
         output_print_add_col(label, *column);

@@ -154,6 +154,16 @@ TEST_F(rowset_link, a_joined_table_without_columns_is_refused) {
     expect_failure({"link_rowset:181 0xDB05"});
 }
 
+TEST_F(rowset_link, a_negative_number_of_columns_is_none) {
+    add_table("A", {{1, "a"}});
+    add_table("B", {{1, "b"}});
+    add_link("A", "K", "B", "K");
+    qry_lib_db_rowset_ first;
+    ASSERT_EQ(info.get_rowset(0, first), 0u);
+    first.records[0].col_num = -1;
+    expect_failure({"link_rowset:233 0xDB05"});
+}
+
 TEST_F(rowset_link, a_row_without_the_key_column_is_refused) {
     add_table("A", {{1, "a"}});
     qry_lib_db_rowset_ uneven =
