@@ -27,7 +27,7 @@ inline std::uint32_t injected_fault(qryhost_call call) {
 // any call may have to fail. Then nothing is counted yet, and the call goes the long way.
 inline bool counted_without_fault(qryhost_call call) {
     thread_state *mine = state_of_this_thread;
-    if (mine == nullptr || armed_calls.load(std::memory_order_acquire) != 0) {
+    if (__builtin_expect(mine == nullptr || armed_calls.load(std::memory_order_acquire) != 0, 0)) {
         return false;
     }
     add(mine->calls[call], 1);

@@ -17,15 +17,15 @@ class element_buffer {
     const char *data() const { return bytes_; }
     const char *at(std::size_t offset) const { return bytes_ + offset; }
 
-    // Clears the first `size` bytes and a terminator behind them: what the next read fills.
-    void clear(std::size_t size) {
+    // Clears `size` bytes at `offset` and a terminator behind them: what the next read fills.
+    void clear(std::size_t offset, std::size_t size) {
         if (size < sizeof(std::uint64_t)) {
-            std::memset(bytes_, 0, sizeof(std::uint64_t)); // one store, for the numbers
+            std::memset(bytes_ + offset, 0, sizeof(std::uint64_t)); // one store, for the numbers
         } else {
-            std::memset(bytes_, 0, size + 1);
+            std::memset(bytes_ + offset, 0, size + 1);
         }
     }
-    void clear(const QRY_LIB_ELEMENT_INFO &info) { clear(std::size_t{info.member_offset} + info.size); }
+    void clear(const QRY_LIB_ELEMENT_INFO &info) { clear(0, std::size_t{info.member_offset} + info.size); }
     void clear() { std::memset(bytes_, 0, sizeof bytes_); }
 
   private:

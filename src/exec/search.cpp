@@ -32,19 +32,13 @@ bool is_allowed(const qry_lib_tb_list_filter_key_ &key) {
                                             : key.operation != QRY_LIB_OPERATION_TYPE_LIKE;
 }
 
-// Where the compared value ends at the earliest.
-std::uint32_t value_end(const qry_lib_tb_list_filter_key_ &key) {
-    return key.member_offset +
-           std::uint32_t{is_string_element(key.elem_type) ? std::uint8_t{0} : key.cmp_size};
-}
-
 // The row value lies within the buffer, and a string to compare with has its end.
 bool is_well_formed(const qry_lib_tb_list_filter_key_ &key) {
     if (is_string_element(key.elem_type)) {
         return key.member_offset < QRY_LIB_STRING_MAX &&
                norvane::fits(static_cast<const char *>(key.value), QRY_LIB_STRING_MAX);
     }
-    return value_end(key) <= sizeof key.value;
+    return std::uint32_t{key.member_offset} + key.cmp_size <= sizeof key.value;
 }
 
 // Bytes of a number of the type; 0: no number, compared as bytes alone.
@@ -61,6 +55,12 @@ std::uint32_t number_width(std::uint8_t elem_type) {
     default:
         return 0;
     }
+}
+
+// The same where the key compares all of it.
+std::uint32_t whole_number_width(const qry_lib_tb_list_filter_key_ &key) {
+    const std::uint32_t width = number_width(key.elem_type);
+    return key.cmp_size == width ? width : 0;
 }
 
 std::uint32_t load_number(const char *from, std::uint32_t width) {
@@ -96,79 +96,86 @@ int compare_bytes_of(const qry_lib_tb_list_filter_key_ &key, const char *row) {
     return std::memcmp(key.value + compared, row + compared, key.cmp_size - compared);
 }
 
-// The orders of the key's value to the row's, as bits.
-enum order_bit : std::uint32_t { below = 1, same = 2, above = 4 };
-
-constexpr std::uint32_t order_of(int order) {
-    return order == 0 ? same : order < 0 ? below : above;
-}
-
-// Without a branch: which way numbers differ is the one thing in a search that no processor can foretell.
-constexpr std::uint32_t order_of(std::uint32_t key_number, std::uint32_t row_number) {
-    return same << int{key_number > row_number} >> int{key_number < row_number};
-}
-
-// The orders with which a key of the operation holds. LIKE compares no further than the key reaches.
-constexpr std::uint32_t accepted_orders(QRY_LIB_OPERATION_TYPE operation) {
-    switch (operation) {
-    case QRY_LIB_OPERATION_TYPE_EQUAL:
-    case QRY_LIB_OPERATION_TYPE_LIKE:
-        return same;
-    case QRY_LIB_OPERATION_TYPE_NOT_EQUAL:
-        return below | above;
-    case QRY_LIB_OPERATION_TYPE_LESS:
-        return above;
-    case QRY_LIB_OPERATION_TYPE_GREATER:
-        return below;
-    case QRY_LIB_OPERATION_TYPE_LESS_EQUAL:
-        return same | above;
-    case QRY_LIB_OPERATION_TYPE_GREATER_EQUAL:
-        return same | below;
-    default:
-        return 0; // the list forms never reach a search
+// The values with which a key holds: those of an unbroken range, or all others. The test takes no branch: which
+// way values differ is the one thing in a search that no processor can foretell.
+class value_range {
+  public:
+    // The values that stand to `value` as the operation says. LIKE has compared no further than the key reaches.
+    value_range(QRY_LIB_OPERATION_TYPE operation, std::uint32_t value) {
+        switch (operation) {
+        case QRY_LIB_OPERATION_TYPE_EQUAL:
+        case QRY_LIB_OPERATION_TYPE_LIKE:
+            set(value, value, true);
+            break;
+        case QRY_LIB_OPERATION_TYPE_NOT_EQUAL:
+            set(value, value, false);
+            break;
+        case QRY_LIB_OPERATION_TYPE_LESS:
+            set(value, UINT32_MAX, false);
+            break;
+        case QRY_LIB_OPERATION_TYPE_GREATER:
+            set(0, value, false);
+            break;
+        case QRY_LIB_OPERATION_TYPE_LESS_EQUAL:
+            set(0, value, true);
+            break;
+        case QRY_LIB_OPERATION_TYPE_GREATER_EQUAL:
+            set(value, UINT32_MAX, true);
+            break;
+        default: // the list forms never reach a search, and hold for nothing
+            set(0, UINT32_MAX, false);
+        }
     }
-}
 
-// How far a key's value reaches in the buffer.
-struct key_span {
-    std::uint32_t element_end; // where the platform stops writing: a composite reaches to its farthest member
-    std::uint32_t value_end;   // where the compared value ends at the latest
+    bool holds(std::uint32_t value) const { return (value - first_ <= extent_) == holds_inside_; }
+
+  private:
+    void set(std::uint32_t first, std::uint32_t last, bool holds_inside) {
+        first_ = first;
+        extent_ = last - first;
+        holds_inside_ = holds_inside;
+    }
+
+    std::uint32_t first_;
+    std::uint32_t extent_;
+    bool holds_inside_;
 };
 
-// An element outside the schema may be as large as any value.
-key_span find_span(std::uint32_t category, const qry_lib_tb_list_filter_key_ &key) {
-    key_span span{0, 0};
+// Where the value of a string key ends in the buffer at the latest, for the schema's elements; 0 for others.
+std::uint32_t find_value_end(std::uint32_t category, const qry_lib_tb_list_filter_key_ &key) {
     for (const norvane::database_schema *database : norvane::databases) {
         for (std::uint16_t t = 0; t < database->table_num; ++t) {
             const QRY_LIB_TABLE_DEF &table = database->tables[t];
-            for (std::int16_t i = 0; table.elements[0].info.category_id == category && i < table.element_num;
-                 ++i) {
+            if (table.elements[0].info.category_id != category) {
+                continue;
+            }
+            for (std::int16_t i = 0; i < table.element_num; ++i) {
                 const QRY_LIB_ELEMENT_INFO &info = table.elements[i].info;
-                const std::uint32_t end = std::uint32_t{info.member_offset} + info.size;
-                if (info.element_id == key.element_id) {
-                    span.element_end = std::max(span.element_end, end);
-                    span.value_end = info.member_offset == key.member_offset ? end : span.value_end;
+                if (info.element_id == key.element_id && info.member_offset == key.member_offset) {
+                    return std::uint32_t{info.member_offset} + info.size;
                 }
             }
         }
     }
-    constexpr std::uint32_t largest = sizeof(QRY_LIB_COLUMN_VALUE);
-    span.element_end = std::max(span.element_end == 0 ? largest : span.element_end, value_end(key));
-    span.value_end = span.value_end == 0 ? span.element_end : span.value_end;
-    return span;
+    return 0;
 }
 
 // A key made ready to be compared with every record: its list table, and what would be the same each time.
 class search_key {
   public:
     search_key(std::uint32_t category, const qry_lib_tb_list_filter_key_ &key)
-        : key_(&key), span_(find_span(category, key)), accepted_(accepted_orders(key.operation)),
-          is_or_(key.join == QRY_LIB_JOIN_TYPE_OR) {
-        const std::uint32_t width = number_width(key.elem_type);
-        if (width != 0 && key.cmp_size == width) {
-            width_ = width;
-            number_ = load_number(key.value, width);
-        } else if (key.operation == QRY_LIB_OPERATION_TYPE_LIKE) {
+        : key_(&key), is_or_(key.join == QRY_LIB_JOIN_TYPE_OR), offset_(key.member_offset),
+          width_(whole_number_width(key)),
+          range_(key.operation, width_ != 0 ? load_number(key.value, width_) : std::uint32_t{same}),
+          cleared_(key.cmp_size) {
+        if (is_string_element(key.elem_type)) {
+            // An element of the schema is written whole or not at all; another may be as large as any value.
+            constexpr std::uint32_t largest = sizeof(QRY_LIB_COLUMN_VALUE);
+            const std::uint32_t end = find_value_end(category, key);
+            value_end_ = end != 0 ? end : largest;
+            cleared_ = end != 0 ? 1 : largest - key.member_offset;
+        }
+        if (key.operation == QRY_LIB_OPERATION_TYPE_LIKE) {
             prefix_length_ = static_cast<std::uint32_t>(std::strlen(key.value));
         }
     }
@@ -178,41 +185,37 @@ class search_key {
 
     // Whether the record under the list's position satisfies the key. Its value is read into `buffer`.
     bool matches(element_buffer &buffer) {
-        const std::uint32_t order = width_ != 0 ? number_order(buffer) : value_order(buffer);
-        return (accepted_ & order) != 0;
+        const char *row = buffer.at(offset_);
+        buffer.clear(offset_, cleared_); // what the platform does not write counts as zeros
+        tbctSTCListTableGetVal(&list_, buffer.data());
+        return range_.holds(width_ != 0 ? load_number(row, width_) : compare(row, buffer));
     }
 
   private:
-    // What the platform does not write counts as zeros.
-    void read(element_buffer &buffer) {
-        buffer.clear(span_.element_end);
-        tbctSTCListTableGetVal(&list_, buffer.data());
-    }
+    // What a value that is compared otherwise counts as: below the key's, the same, or above.
+    enum relation : std::uint32_t { below, same, above };
 
-    std::uint32_t number_order(element_buffer &buffer) {
-        read(buffer);
-        return order_of(number_, load_number(buffer.at(key_->member_offset), width_));
-    }
-
-    std::uint32_t value_order(element_buffer &buffer) {
-        read(buffer);
-        const char *row = buffer.at(key_->member_offset);
+    relation compare(const char *row, element_buffer &buffer) const {
         if (!is_string_element(key_->elem_type)) {
-            return order_of(compare_bytes_of(*key_, row));
+            return relation_of(compare_bytes_of(*key_, row));
         }
-        buffer.data()[span_.value_end] = '\0'; // a string may fill its element
-        return order_of(key_->operation == QRY_LIB_OPERATION_TYPE_LIKE
-                            ? norvane::tb_strncmp(key_->value, row, prefix_length_)
-                            : norvane::tb_strcmp(key_->value, row));
+        buffer.data()[value_end_] = '\0'; // a string may fill its element
+        return relation_of(key_->operation == QRY_LIB_OPERATION_TYPE_LIKE
+                               ? norvane::tb_strncmp(key_->value, row, prefix_length_)
+                               : norvane::tb_strcmp(key_->value, row));
     }
+
+    // From the order of the key's value to the row's.
+    static relation relation_of(int order) { return order == 0 ? same : order < 0 ? above : below; }
 
     const qry_lib_tb_list_filter_key_ *key_;
     tbctListTable list_{};
-    key_span span_;
-    std::uint32_t accepted_;
     bool is_or_;
-    std::uint32_t width_ = 0; // bytes of a number that is compared whole; 0: anything else
-    std::uint32_t number_ = 0;
+    std::uint32_t offset_; // of the value in the element
+    std::uint32_t width_; // bytes of a number that is compared whole; 0: anything else
+    value_range range_;
+    std::uint32_t cleared_; // bytes of the row's value that are cleared before it is read
+    std::uint32_t value_end_ = 0;
     std::uint32_t prefix_length_ = 0;
 };
 
