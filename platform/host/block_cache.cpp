@@ -5,15 +5,6 @@
 
 namespace qryhost {
 
-std::size_t block_cache::class_below(std::size_t size) {
-    const std::size_t bit = 31 - static_cast<std::size_t>(__builtin_clz(static_cast<unsigned int>(size)));
-    return 4 * (bit - first_bit) + (size >> (bit - 2) & 3);
-}
-
-std::size_t block_cache::size_of_class(std::size_t index) {
-    return (4 + index % 4) << (first_bit - 2 + index / 4);
-}
-
 block_cache::~block_cache() {
     for (freed_block *block : first_) {
         while (block != nullptr) {

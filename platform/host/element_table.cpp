@@ -20,47 +20,44 @@ constexpr std::uint32_t no_store = 0x5242; // the store cannot be opened: qryhos
 constexpr std::uint32_t no_memory = 0x5244;
 constexpr std::uint32_t read_only = 0x5245; // the store is a device image that cannot be written
 
-// What a call works on. `code` is not 0 when the arguments name nothing that exists.
-struct target {
-    std::uint32_t code;
-    element_store *store;
-    const element_place *place;
-};
-
-target find_target(bool is_setting, std::uint32_t category, std::uint32_t element, std::uint32_t record) {
-    element_store *store = qryhost::current_store();
-    if (store == nullptr) {
-        return {no_store, nullptr, nullptr};
-    }
-    const element_place *place = store->layout().find(category, element);
-    if (place == nullptr || place->is_setting != is_setting || record > place->record_num) {
-        return {refused, store, nullptr};
-    }
-    return {0, store, place};
+// Null when the arguments name nothing that exists.
+const element_place *find_place(const element_store &store, bool is_setting, std::uint32_t category,
+                                std::uint32_t element, std::uint32_t record) {
+    const element_place *place = store.layout().find(category, element);
+    return place != nullptr && place->is_setting == is_setting && record <= place->record_num ? place : nullptr;
 }
 
-std::uint32_t read_value(const target &from, std::uint32_t record, void *buffer) {
-    if (from.code != 0) {
-        return from.code;
+std::uint32_t read_value(bool is_setting, std::uint32_t category, std::uint32_t record, std::uint32_t element,
+                         void *buffer) {
+    element_store *store = qryhost::current_store();
+    if (store == nullptr) {
+        return no_store;
     }
-    if (buffer == nullptr) {
+    const element_place *place = find_place(*store, is_setting, category, element, record);
+    if (place == nullptr || buffer == nullptr) {
         return refused;
     }
-    from.store->read(*from.place, record, buffer);
+    store->read(*place, record, buffer);
     return 0;
 }
 
-std::uint32_t write_value(const target &to, std::uint32_t record, const void *buffer) {
-    if (to.code != 0) {
-        return to.code;
+std::uint32_t write_value(bool is_setting, std::uint32_t category, std::uint32_t record, std::uint32_t element,
+                          const void *buffer) {
+    if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_SET_TABLE)) {
+        return fault;
     }
-    if (buffer == nullptr) {
+    element_store *store = qryhost::current_store();
+    if (store == nullptr) {
+        return no_store;
+    }
+    const element_place *place = find_place(*store, is_setting, category, element, record);
+    if (place == nullptr || buffer == nullptr) {
         return refused;
     }
-    if (to.store->is_read_only()) {
+    if (store->is_read_only()) {
         return read_only;
     }
-    to.store->write(*to.place, record, buffer);
+    store->write(*place, record, buffer);
     return 0;
 }
 
@@ -139,8 +136,14 @@ std::uint32_t get_value(tbctListTable *list, void *buffer) {
     return 0;
 }
 
-// The long ways of the two calls, kept out of the short ones: what those would save for them at each call is
-// a third of their instructions.
+// The long ways of the calls that a query makes for each record, kept out of the short ones: what those would
+// save for them at each call is a third of their instructions.
+[[gnu::noinline]] std::uint32_t read_value_or_fail(std::uint32_t category, std::uint32_t record,
+                                                   std::uint32_t element, void *buffer) {
+    const std::uint32_t fault = qryhost::injected_fault(QRYHOST_GET_TABLE);
+    return fault != 0 ? fault : read_value(false, category, record, element, buffer);
+}
+
 [[gnu::noinline]] std::uint32_t set_position_or_fail(tbctListTable *list, std::uint16_t position) {
     const std::uint32_t fault = qryhost::injected_fault(QRYHOST_LIST_SET_POS);
     return fault != 0 ? fault : set_position(list, position);
@@ -157,18 +160,14 @@ extern "C" {
 
 std::uint32_t tbctSTCGetTable(std::uint32_t category, std::uint32_t record, std::uint32_t element,
                               void *buffer) {
-    if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_GET_TABLE)) {
-        return fault;
-    }
-    return read_value(find_target(false, category, element, record), record, buffer);
+    return qryhost::counted_without_fault(QRYHOST_GET_TABLE)
+               ? read_value(false, category, record, element, buffer)
+               : read_value_or_fail(category, record, element, buffer);
 }
 
 std::uint32_t tbctSTCSetTable(std::uint32_t, std::uint32_t category, std::uint32_t record,
                               std::uint32_t element, const void *buffer) {
-    if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_SET_TABLE)) {
-        return fault;
-    }
-    return write_value(find_target(false, category, element, record), record, buffer);
+    return write_value(false, category, record, element, buffer);
 }
 
 std::uint32_t tbSTCInitTable(std::uint32_t category, std::uint32_t record) {
@@ -183,15 +182,12 @@ std::uint32_t tbctSTCGetStatus(std::uint32_t category, std::uint32_t element, vo
     if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_GET_STATUS)) {
         return fault;
     }
-    return read_value(find_target(true, category, element, 0), 0, buffer);
+    return read_value(true, category, 0, element, buffer);
 }
 
 std::uint32_t tbctSTCSetStatus(std::uint32_t, std::uint32_t category, std::uint32_t element,
                                const void *buffer) {
-    if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_SET_TABLE)) {
-        return fault;
-    }
-    return write_value(find_target(true, category, element, 0), 0, buffer);
+    return write_value(true, category, 0, element, buffer);
 }
 
 std::uint32_t tbctSTCCreateListTable(std::uint32_t category, std::uint32_t element, std::uint16_t record_num,
@@ -199,21 +195,22 @@ std::uint32_t tbctSTCCreateListTable(std::uint32_t category, std::uint32_t eleme
     if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_CREATE_LIST)) {
         return fault;
     }
-    const target from = find_target(false, category, element, record_num);
-    if (from.code != 0) {
-        return from.code;
+    element_store *store = qryhost::current_store();
+    if (store == nullptr) {
+        return no_store;
     }
-    if (list == nullptr) {
+    const element_place *place = find_place(*store, false, category, element, record_num);
+    if (place == nullptr || list == nullptr) {
         return refused;
     }
-    const std::size_t bytes = std::size_t{from.place->size} * record_num;
+    const std::size_t bytes = std::size_t{place->size} * record_num;
     auto *values = static_cast<std::uint8_t *>(std::malloc(bytes + 1)); // a list of no records is open too
     if (values == nullptr) {
         return no_memory;
     }
-    from.store->copy_column(*from.place, record_num, values);
+    store->copy_column(*place, record_num, values);
     *list = tbctListTable{};
-    pack({values, from.place->size, record_num, 0}, *list);
+    pack({values, place->size, record_num, 0}, *list);
     return 0;
 }
 

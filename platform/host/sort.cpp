@@ -28,6 +28,9 @@ unsigned char without_case(unsigned char character) {
 // ASCII letters compare without regard to case; names that differ in nothing else compare by their bytes.
 int compare_names(const char *a, const char *b) {
     for (std::size_t i = 0;; ++i) {
+        if (a[i] == b[i] && a[i] != '\0') {
+            continue; // most of what names share
+        }
         const unsigned char left = without_case(static_cast<unsigned char>(a[i]));
         const unsigned char right = without_case(static_cast<unsigned char>(b[i]));
         if (left != right) {

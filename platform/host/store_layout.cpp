@@ -10,15 +10,7 @@ namespace qryhost {
 
 namespace {
 
-// A power of two with room to spare: most lookups end at the first slot.
-constexpr std::size_t slot_num = 2048;
-
 constexpr std::uint16_t setting_size = 4;
-
-std::size_t first_slot(std::uint32_t category, std::uint32_t element) {
-    const std::uint32_t mixed = (element ^ (category * 0x9E3779B1u)) * 0x85EBCA6Bu;
-    return (mixed >> 16) & (slot_num - 1);
-}
 
 std::uint16_t capacity_of(std::uint32_t category) {
     for (const QRY_LIB_TB_MAX_ROW &row : QRY_LIB_TB_MAX_TABLE) {
@@ -109,17 +101,6 @@ void store_layout::index_elements() {
         }
         slots_[slot] = static_cast<std::uint16_t>(i + 1);
     }
-}
-
-const element_place *store_layout::find(std::uint32_t category, std::uint32_t element) const {
-    for (std::size_t slot = first_slot(category, element); slots_[slot] != 0;
-         slot = (slot + 1) & (slot_num - 1)) {
-        const element_place &place = elements_[slots_[slot] - 1u];
-        if (place.element == element && place.category == category) {
-            return &place;
-        }
-    }
-    return nullptr;
 }
 
 const category_place *store_layout::find_category(std::uint32_t category) const {

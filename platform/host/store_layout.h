@@ -41,8 +41,17 @@ class store_layout {
   public:
     static const store_layout &get();
 
-    // Null when there is no such element.
-    const element_place *find(std::uint32_t category, std::uint32_t element) const;
+    // Null when there is no such element. Here, not in the source, because each value that is read starts with it.
+    const element_place *find(std::uint32_t category, std::uint32_t element) const {
+        for (std::size_t slot = first_slot(category, element); slots_[slot] != 0;
+             slot = (slot + 1) & (slot_num - 1)) {
+            const element_place &place = elements_[slots_[slot] - 1u];
+            if (place.element == element && place.category == category) {
+                return &place;
+            }
+        }
+        return nullptr;
+    }
 
     // Null when there is no such category.
     const category_place *find_category(std::uint32_t category) const;
@@ -60,6 +69,14 @@ class store_layout {
     std::uint16_t largest_size() const;
 
   private:
+    // A power of two with room to spare: most lookups end at the first slot.
+    static constexpr std::size_t slot_num = 2048;
+
+    static std::size_t first_slot(std::uint32_t category, std::uint32_t element) {
+        const std::uint32_t mixed = (element ^ (category * 0x9E3779B1u)) * 0x85EBCA6Bu;
+        return (mixed >> 16) & (slot_num - 1);
+    }
+
     store_layout();
     void collect_tables();
     void collect_settings();
