@@ -26,6 +26,9 @@ class element_buffer {
         }
     }
     void clear(const QRY_LIB_ELEMENT_INFO &info) { clear(0, std::size_t{info.member_offset} + info.size); }
+
+    // Clears so much that a value which is not written is a zero or the empty string.
+    void clear_start(const QRY_LIB_ELEMENT_INFO &info) { clear(info.member_offset, sizeof(std::uint32_t)); }
     void clear() { std::memset(bytes_, 0, sizeof bytes_); }
 
   private:

@@ -174,7 +174,7 @@ int qry_lib_db_executer::create_primary_filter_key(char const *table, QRY_LIB_OP
         if (value == nullptr) {
             return trace_code(__func__, 982, QRY_LIB_INVALID_ARGUMENT);
         }
-        supplied.push_back({value, column});
+        supplied.push_back({value, column, 0});
     }
     for (const target_column &target : supplied) {
         element_buffer buffer;

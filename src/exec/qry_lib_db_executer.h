@@ -1,6 +1,7 @@
 // The executer: carries out one analyzed query on one table against the element tables.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <list>
 #include <string>
@@ -83,6 +84,7 @@ class qry_lib_db_executer {
     struct target_column {
         const QRY_LIB_COLUMN *column;
         QRY_LIB_ELEMENT_INFO element;
+        std::size_t name_length = 0; // only where rows are read
     };
     using target_columns = std::vector<target_column>;
 
