@@ -8,6 +8,13 @@
 
 namespace norvane {
 
+QRY_LIB_CONDITION::QRY_LIB_CONDITION(const char *table, const char *col, const char *text,
+                                     QRY_LIB_OPERATION_TYPE how, QRY_LIB_JOIN_TYPE joined_by,
+                                     std::int32_t quoted)
+    : col_name(col), operation(how), join(joined_by), table_name(table), value_is_quoted(quoted) {
+    copy_bounded(value.str_value, text);
+}
+
 void qry_lib_analyze_info::set_table(const char *name) {
     if (tables_.empty()) {
         add_table(name);
@@ -49,13 +56,7 @@ void qry_lib_analyze_info::reserve_filter_cols(std::size_t num) {
 void qry_lib_analyze_info::add_filter_cols(const char *table, const char *col, const char *value,
                                            QRY_LIB_OPERATION_TYPE operation, QRY_LIB_JOIN_TYPE join,
                                            std::int32_t quoted) {
-    QRY_LIB_CONDITION &condition = filters_.emplace_back();
-    condition.col_name = col;
-    copy_bounded(condition.value.str_value, value);
-    condition.operation = operation;
-    condition.join = join;
-    condition.table_name = table;
-    condition.value_is_quoted = quoted;
+    filters_.emplace_back(table, col, value, operation, join, quoted);
 }
 
 void qry_lib_analyze_info::add_filter_cols(const char *col, const char *value,

@@ -10,9 +10,13 @@
 
 namespace norvane {
 
-// One comparison of a WHERE clause. The value is text without its quotes and zero behind it; it becomes a
-// number where the column's type is known.
+// One comparison of a WHERE clause. The value is text without its quotes; it becomes a number where the column's
+// type is known.
 struct QRY_LIB_CONDITION {
+    // Copies as much of the text as a value holds; the bytes behind it mean nothing.
+    QRY_LIB_CONDITION(const char *table, const char *col, const char *text, QRY_LIB_OPERATION_TYPE how,
+                      QRY_LIB_JOIN_TYPE joined_by, std::int32_t quoted);
+
     std::string col_name;
     QRY_LIB_COLUMN_VALUE value;
     QRY_LIB_OPERATION_TYPE operation;

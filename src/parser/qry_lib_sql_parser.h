@@ -124,7 +124,7 @@ class qry_lib_sql_parser {
     std::uint32_t analyze_delete(const char *text, qry_lib_analyze_info &info) const;
     std::uint32_t divide_clauses(const char *text, std::string &cols, std::string &tables, std::string &where,
                                  std::string &order) const;
-    std::uint32_t divide_after_from(const std::string &text, std::string &tables, std::string &where,
+    std::uint32_t divide_after_from(std::string text, std::string &tables, std::string &where,
                                     std::string &order) const;
     std::uint32_t set_select_tables(const std::string &tables, qry_lib_analyze_info &info) const;
     std::uint32_t set_select_cols(const std::string &cols, bool sorted, qry_lib_analyze_info &info) const;

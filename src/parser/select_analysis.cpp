@@ -48,10 +48,10 @@ std::uint32_t qry_lib_sql_parser::divide_clauses(const char *text, std::string &
         return trace_return(name, 967, QRY_LIB_NOT_ACCEPTED);
     }
     cols = std::move(list);
-    return divide_after_from(at_from[1], tables, where, order);
+    return divide_after_from(std::move(at_from[1]), tables, where, order);
 }
 
-std::uint32_t qry_lib_sql_parser::divide_after_from(const std::string &text, std::string &tables,
+std::uint32_t qry_lib_sql_parser::divide_after_from(std::string text, std::string &tables,
                                                     std::string &where, std::string &order) const {
     static constexpr char name[] = "divide_select_reserve_str";
     std::vector<std::string> at_order;
@@ -59,13 +59,15 @@ std::uint32_t qry_lib_sql_parser::divide_after_from(const std::string &text, std
     if (sorted == found::repeated || sorted == found::no_memory) {
         return trace_return(name, 985, QRY_LIB_NOT_ACCEPTED);
     }
-    std::string rest = sorted == found::yes ? at_order[0] : text;
-    // A blank sort phrase is dropped: the query runs unsorted.
-    if (sorted == found::yes && at_order[1].find_first_not_of(' ') != std::string::npos) {
-        order = std::move(at_order[1]);
+    if (sorted == found::yes) {
+        text = std::move(at_order[0]);
+        // A blank sort phrase is dropped: the query runs unsorted.
+        if (at_order[1].find_first_not_of(' ') != std::string::npos) {
+            order = std::move(at_order[1]);
+        }
     }
     std::vector<std::string> at_where;
-    const found filtered = find_where(rest.c_str(), at_where).outcome;
+    const found filtered = find_where(text.c_str(), at_where).outcome;
     if (filtered == found::repeated || filtered == found::no_memory) {
         return trace_return(name, 1007, QRY_LIB_NOT_ACCEPTED);
     }
@@ -74,10 +76,10 @@ std::uint32_t qry_lib_sql_parser::divide_after_from(const std::string &text, std
         tables = std::move(at_where[1]);
         return 0;
     }
-    if (!trimmed(rest)) {
+    if (!trimmed(text)) {
         return trace_return(name, 1019, QRY_LIB_NOT_ACCEPTED);
     }
-    tables = std::move(rest);
+    tables = std::move(text);
     return 0;
 }
 

@@ -1,6 +1,5 @@
 // Text scanning: trimming, splitting at keywords, peeling quotes, brackets and percent signs.
 #include <cstring>
-#include <string_view>
 
 #include "parser/qry_lib_sql_parser.h"
 #include "util/pool_block.h"
@@ -105,9 +104,8 @@ std::uint32_t qry_lib_sql_parser::get_keyword_num(const char *text, const char *
     if (text == nullptr) {
         return 0;
     }
-    const std::string_view whole(text);
     const std::size_t length = std::strlen(keyword);
-    for (std::size_t at = whole.find(keyword); at != whole.npos; at = whole.find(keyword, at + length)) {
+    for (const char *at = std::strstr(text, keyword); at != nullptr; at = std::strstr(at + length, keyword)) {
         ++count;
     }
     return 0;
@@ -121,18 +119,19 @@ std::uint32_t qry_lib_sql_parser::divide_keyword(const char *text, const char *k
     if (copy_to_scratch(scratch, text, length) != 0) {
         return trace_return(__func__, 1063, QRY_LIB_NO_MEMORY);
     }
-    const std::string_view whole(scratch.as<char>(), length);
-    std::size_t cut = 0;
-    for (std::size_t at = whole.find(keyword); at != whole.npos; at = whole.find(keyword, cut)) {
+    const std::size_t keyword_length = std::strlen(keyword);
+    const char *rest = scratch.as<char>();
+    const char *const end = rest + length;
+    while (const char *at = std::strstr(rest, keyword)) {
         if (count == 0) {
             pieces.reserve(pieces.size() + 2); // most texts are cut in two
         }
-        pieces.emplace_back(whole.substr(cut, at - cut));
+        pieces.emplace_back(rest, at);
         ++count;
-        cut = at + std::strlen(keyword);
+        rest = at + keyword_length;
     }
     if (count > 0) {
-        pieces.emplace_back(whole.substr(cut));
+        pieces.emplace_back(rest, end);
         ++count;
     }
     return 0;
@@ -170,6 +169,7 @@ qry_lib_sql_parser::search_result qry_lib_sql_parser::find_two_keyword(const cha
         const std::uint32_t code = trace_return(name, 1170, QRY_LIB_NOT_ACCEPTED);
         return {trim_code != 0 ? found::no_memory : found::absent, code, count};
     }
+    out.reserve(out.size() + 2);
     out.push_back(std::move(at_first[0]));
     out.push_back(std::move(at_second[1]));
     return {found::yes, 0, count};
@@ -205,6 +205,7 @@ qry_lib_sql_parser::search_result qry_lib_sql_parser::find_where(const char *tex
     if (condition.as<char>()[0] == '\0' || parts[0].empty()) {
         return {found::absent, QRY_LIB_NOT_ACCEPTED, count};
     }
+    out.reserve(out.size() + 2);
     out.push_back(std::move(parts[1]));
     out.push_back(std::move(parts[0]));
     return {found::yes, 0, count};

@@ -1,6 +1,6 @@
 // WHERE: a flat list of comparisons, joined all by AND or all by OR.
 #include <algorithm>
-#include <string_view>
+#include <cstring>
 
 #include "parser/qry_lib_sql_parser.h"
 #include "util/bounded_text.h"
@@ -14,7 +14,7 @@ namespace {
 constexpr char function_name[] = "divide_operate";
 
 struct operator_row {
-    std::uint8_t operation;
+    QRY_LIB_OPERATION_TYPE operation;
     char text[9];
 };
 
@@ -28,21 +28,21 @@ constexpr operator_row operators[] = {
     {QRY_LIB_OPERATION_TYPE_NOT_EQUAL, "!="},     {QRY_LIB_OPERATION_TYPE_EQUAL, "="},
 };
 
-// Where the chosen operator stands. Operators inside a quoted value are passed over.
+// The chosen operator and where it stands. Operators inside a quoted value are passed over.
 struct operator_place {
     const operator_row *row; // null: none
-    std::size_t at;
+    const char *at;
 };
 
-operator_place find_operator(std::string_view condition) {
-    const std::size_t quote = condition.find('\'');
+operator_place find_operator(const char *condition) {
+    const char *quote = std::strchr(condition, '\'');
     for (const operator_row &row : operators) {
-        const std::size_t at = condition.find(row.text);
-        if (at != std::string_view::npos && (quote == std::string_view::npos || at <= quote)) {
+        const char *at = std::strstr(condition, row.text);
+        if (at != nullptr && (quote == nullptr || at <= quote)) {
             return {&row, at};
         }
     }
-    return {nullptr, 0};
+    return {nullptr, nullptr};
 }
 
 std::uint32_t refuse(int line) {
@@ -153,9 +153,8 @@ std::uint32_t qry_lib_sql_parser::divide_operate(const char *condition, unsigned
     if (scratch.take(std::uint64_t{length} + 1) != 0) {
         return trace_return(function_name, 1235, QRY_LIB_NO_MEMORY);
     }
+    const char *text = scratch.as<char>();
     std::memcpy(scratch.as<char>(), condition, length + 1);
-    const std::string_view text(scratch.as<char>(), length);
-
     const operator_place place = find_operator(text);
     if (place.row == nullptr) {
         return refuse(1271);
@@ -163,8 +162,8 @@ std::uint32_t qry_lib_sql_parser::divide_operate(const char *condition, unsigned
     if (place.row == operators) {
         return refuse(1257);
     }
-    std::string column(text.substr(0, place.at));
-    std::string value(text.substr(place.at + std::strlen(place.row->text)));
+    std::string column(text, place.at);
+    std::string value(place.at + std::strlen(place.row->text), text + length);
     if (!trimmed(column)) {
         return refuse(1294);
     }
@@ -175,7 +174,7 @@ std::uint32_t qry_lib_sql_parser::divide_operate(const char *condition, unsigned
         return add_list(*this, {column, QRY_LIB_OPERATION_TYPE_LIKE, QRY_LIB_JOIN_TYPE_OR}, value, info);
     default:
         return add_value(*this,
-                         {column, static_cast<QRY_LIB_OPERATION_TYPE>(place.row->operation),
+                         {column, place.row->operation,
                           static_cast<QRY_LIB_JOIN_TYPE>(join)},
                          value, plain_value, info);
     }
