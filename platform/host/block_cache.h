@@ -46,8 +46,7 @@ class block_cache {
 
     // The class whose blocks are the largest that are not larger than `size`, which is at least the smallest.
     static std::size_t class_below(std::size_t size) {
-        const std::size_t bit =
-            31 - static_cast<std::size_t>(__builtin_clz(static_cast<unsigned int>(size)));
+        const std::size_t bit = 31 - static_cast<std::size_t>(__builtin_clz(static_cast<unsigned int>(size)));
         return 4 * (bit - first_bit) + (size >> (bit - 2) & 3);
     }
     static std::size_t size_of_class(std::size_t index) {

@@ -24,7 +24,8 @@ constexpr std::uint32_t read_only = 0x5245; // the store is a device image that 
 const element_place *find_place(const element_store &store, bool is_setting, std::uint32_t category,
                                 std::uint32_t element, std::uint32_t record) {
     const element_place *place = store.layout().find(category, element);
-    return place != nullptr && place->is_setting == is_setting && record <= place->record_num ? place : nullptr;
+    return place != nullptr && place->is_setting == is_setting && record <= place->record_num ? place
+                                                                                              : nullptr;
 }
 
 std::uint32_t read_value(bool is_setting, std::uint32_t category, std::uint32_t record, std::uint32_t element,
@@ -41,8 +42,8 @@ std::uint32_t read_value(bool is_setting, std::uint32_t category, std::uint32_t 
     return 0;
 }
 
-std::uint32_t write_value(bool is_setting, std::uint32_t category, std::uint32_t record, std::uint32_t element,
-                          const void *buffer) {
+std::uint32_t write_value(bool is_setting, std::uint32_t category, std::uint32_t record,
+                          std::uint32_t element, const void *buffer) {
     if (const std::uint32_t fault = qryhost::injected_fault(QRYHOST_SET_TABLE)) {
         return fault;
     }

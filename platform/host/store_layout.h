@@ -41,7 +41,8 @@ class store_layout {
   public:
     static const store_layout &get();
 
-    // Null when there is no such element. Here, not in the source, because each value that is read starts with it.
+    // Null when there is no such element. Here, not in the source, because each value that is read starts
+    // with it.
     const element_place *find(std::uint32_t category, std::uint32_t element) const {
         for (std::size_t slot = first_slot(category, element); slots_[slot] != 0;
              slot = (slot + 1) & (slot_num - 1)) {

@@ -96,11 +96,12 @@ int compare_bytes_of(const qry_lib_tb_list_filter_key_ &key, const char *row) {
     return std::memcmp(key.value + compared, row + compared, key.cmp_size - compared);
 }
 
-// The values with which a key holds: those of an unbroken range, or all others. The test takes no branch: which
-// way values differ is the one thing in a search that no processor can foretell.
+// The values with which a key holds: those of an unbroken range, or all others. The test takes no branch:
+// which way values differ is the one thing in a search that no processor can foretell.
 class value_range {
   public:
-    // The values that stand to `value` as the operation says. LIKE has compared no further than the key reaches.
+    // The values that stand to `value` as the operation says. LIKE has compared no further than the key
+    // reaches.
     value_range(QRY_LIB_OPERATION_TYPE operation, std::uint32_t value) {
         switch (operation) {
         case QRY_LIB_OPERATION_TYPE_EQUAL:
@@ -212,7 +213,7 @@ class search_key {
     tbctListTable list_{};
     bool is_or_;
     std::uint32_t offset_; // of the value in the element
-    std::uint32_t width_; // bytes of a number that is compared whole; 0: anything else
+    std::uint32_t width_;  // bytes of a number that is compared whole; 0: anything else
     value_range range_;
     std::uint32_t cleared_; // bytes of the row's value that are cleared before it is read
     std::uint32_t value_end_ = 0;

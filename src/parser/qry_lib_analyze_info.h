@@ -10,8 +10,8 @@
 
 namespace norvane {
 
-// One comparison of a WHERE clause. The value is text without its quotes; it becomes a number where the column's
-// type is known.
+// One comparison of a WHERE clause. The value is text without its quotes; it becomes a number where the
+// column's type is known.
 struct QRY_LIB_CONDITION {
     // Copies as much of the text as a value holds; the bytes behind it mean nothing.
     QRY_LIB_CONDITION(const char *table, const char *col, const char *text, QRY_LIB_OPERATION_TYPE how,

@@ -51,8 +51,8 @@ std::uint32_t qry_lib_sql_parser::divide_clauses(const char *text, std::string &
     return divide_after_from(std::move(at_from[1]), tables, where, order);
 }
 
-std::uint32_t qry_lib_sql_parser::divide_after_from(std::string text, std::string &tables,
-                                                    std::string &where, std::string &order) const {
+std::uint32_t qry_lib_sql_parser::divide_after_from(std::string text, std::string &tables, std::string &where,
+                                                    std::string &order) const {
     static constexpr char name[] = "divide_select_reserve_str";
     std::vector<std::string> at_order;
     const found sorted = find_two_keyword(text.c_str(), " ORDER ", " BY ", at_order).outcome;

@@ -173,10 +173,8 @@ std::uint32_t qry_lib_sql_parser::divide_operate(const char *condition, unsigned
     case QRY_LIB_OPERATION_TYPE_INLIKE:
         return add_list(*this, {column, QRY_LIB_OPERATION_TYPE_LIKE, QRY_LIB_JOIN_TYPE_OR}, value, info);
     default:
-        return add_value(*this,
-                         {column, place.row->operation,
-                          static_cast<QRY_LIB_JOIN_TYPE>(join)},
-                         value, plain_value, info);
+        return add_value(*this, {column, place.row->operation, static_cast<QRY_LIB_JOIN_TYPE>(join)}, value,
+                         plain_value, info);
     }
 }
 
