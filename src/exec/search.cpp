@@ -96,47 +96,41 @@ int compare_bytes_of(const qry_lib_tb_list_filter_key_ &key, const char *row) {
     return std::memcmp(key.value + compared, row + compared, key.cmp_size - compared);
 }
 
-// The values with which a key holds: those of an unbroken range, or all others. The test takes no branch:
-// which way values differ is the one thing in a search that no processor can foretell.
+// How the values with which a key holds lie about the key's own: an unbroken range, or all others.
+struct range_shape {
+    bool begins_at_value; // else at the smallest
+    bool ends_at_value;   // else at the largest
+    bool holds_inside;
+};
+
+// By operation.
+constexpr range_shape range_shapes[] = {
+    {true, true, true},   // =
+    {true, true, false},  // !=
+    {true, false, false}, // <
+    {false, true, false}, // >
+    {false, true, true},  // <=
+    {true, false, true},  // >=
+    {true, true, true},   // LIKE, which has compared no further than the key reaches
+};
+constexpr range_shape no_value = {false, false, false}; // the list forms never reach a search
+static_assert(sizeof range_shapes / sizeof *range_shapes == QRY_LIB_OPERATION_TYPE_LIKE + 1);
+
+// The values that stand to `value` as an operation says. The test takes no branch: which way values differ is
+// the one thing in a search that no processor can foretell.
 class value_range {
   public:
-    // The values that stand to `value` as the operation says. LIKE has compared no further than the key
-    // reaches.
     value_range(QRY_LIB_OPERATION_TYPE operation, std::uint32_t value) {
-        switch (operation) {
-        case QRY_LIB_OPERATION_TYPE_EQUAL:
-        case QRY_LIB_OPERATION_TYPE_LIKE:
-            set(value, value, true);
-            break;
-        case QRY_LIB_OPERATION_TYPE_NOT_EQUAL:
-            set(value, value, false);
-            break;
-        case QRY_LIB_OPERATION_TYPE_LESS:
-            set(value, UINT32_MAX, false);
-            break;
-        case QRY_LIB_OPERATION_TYPE_GREATER:
-            set(0, value, false);
-            break;
-        case QRY_LIB_OPERATION_TYPE_LESS_EQUAL:
-            set(0, value, true);
-            break;
-        case QRY_LIB_OPERATION_TYPE_GREATER_EQUAL:
-            set(value, UINT32_MAX, true);
-            break;
-        default: // the list forms never reach a search, and hold for nothing
-            set(0, UINT32_MAX, false);
-        }
+        const range_shape &shape =
+            operation <= QRY_LIB_OPERATION_TYPE_LIKE ? range_shapes[operation] : no_value;
+        first_ = shape.begins_at_value ? value : 0;
+        extent_ = (shape.ends_at_value ? value : UINT32_MAX) - first_;
+        holds_inside_ = shape.holds_inside;
     }
 
     bool holds(std::uint32_t value) const { return (value - first_ <= extent_) == holds_inside_; }
 
   private:
-    void set(std::uint32_t first, std::uint32_t last, bool holds_inside) {
-        first_ = first;
-        extent_ = last - first;
-        holds_inside_ = holds_inside;
-    }
-
     std::uint32_t first_;
     std::uint32_t extent_;
     bool holds_inside_;
