@@ -1,46 +1,53 @@
-// Taking and keeping blocks by size class, the one freed last first: its memory is the warmest.
+// Keeping blocks by size class, the one freed last first: its memory is the warmest.
 #include "platform/host/block_cache.h"
 
 #include <cstdlib>
 
+#if QRYHOST_UNDER_ADDRESS_SANITIZER
+#include <sanitizer/asan_interface.h>
+#else
+#define ASAN_POISON_MEMORY_REGION(begin, size)
+#define ASAN_UNPOISON_MEMORY_REGION(begin, size)
+#endif
+
 namespace qryhost {
 
 block_cache::~block_cache() {
-    for (freed_block *block : first_) {
+    for (header *block : first_) {
         while (block != nullptr) {
-            freed_block *next = block->next;
+            header *next = block->next;
             std::free(block);
             block = next;
         }
     }
 }
 
-void *block_cache::take(std::size_t size) {
-    if (QRYHOST_UNDER_ADDRESS_SANITIZER || size < smallest || size > largest) {
-        return std::malloc(size);
+block_cache::taken_block block_cache::take_fresh(std::uint32_t index, std::uint32_t size) {
+    const bool has_class = index < class_num && !QRYHOST_UNDER_ADDRESS_SANITIZER;
+    const std::uint32_t bytes = has_class ? (4 + index % 4) << (first_bit - 2 + index / 4) : size;
+    const std::size_t whole = sizeof(header) + bytes; // wraps where a size has 32 bits
+    void *memory = whole > bytes ? std::malloc(whole) : nullptr;
+    if (memory == nullptr) {
+        return {nullptr, 0};
     }
-    std::size_t index = class_below(size);
-    index += size_of_class(index) < size ? 1 : 0;
-    freed_block *block = first_[index];
-    if (block == nullptr) {
-        return std::malloc(size_of_class(index));
-    }
-    first_[index] = block->next;
-    kept_bytes_ -= size_of_class(index);
-    return block;
+    auto *block = static_cast<header *>(memory);
+    *block = {index, bytes, nullptr};
+    ASAN_POISON_MEMORY_REGION(block, sizeof *block);
+    return {block + 1, bytes};
 }
 
-void block_cache::give_back(void *block, std::size_t usable_size) {
-    if (QRYHOST_UNDER_ADDRESS_SANITIZER || usable_size < smallest ||
-        usable_size >= size_of_class(class_num) || kept_bytes_ > kept_bytes_max) {
-        std::free(block);
-        return;
+std::uint32_t block_cache::give_back(void *block) {
+    header *freed = static_cast<header *>(block) - 1;
+    ASAN_UNPOISON_MEMORY_REGION(freed, sizeof *freed);
+    const std::uint32_t bytes = freed->bytes;
+    if (QRYHOST_UNDER_ADDRESS_SANITIZER || freed->index == class_num || kept_bytes_ > kept_bytes_max) {
+        std::free(freed);
+        return bytes;
     }
-    const std::size_t index = class_below(usable_size);
-    auto *freed = static_cast<freed_block *>(block);
-    freed->next = first_[index];
-    first_[index] = freed;
-    kept_bytes_ += size_of_class(index);
+    freed->next = first_[freed->index];
+    first_[freed->index] = freed;
+    kept_bytes_ += bytes;
+    return bytes;
 }
 
 } // namespace qryhost

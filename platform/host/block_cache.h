@@ -1,11 +1,12 @@
 // Freed blocks of the memory partition, kept for the thread's next queries: a result is a block for each row,
-// and the process's allocator would join, split and sort such blocks anew for every query.
+// and each step of a query takes one for its own; the process's allocator would join, split and sort them
+// anew.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
-// Under the address sanitizer every block is the allocator's own, so that it sees what is used after it was
-// freed or beyond its end.
+// Under the address sanitizer no block is kept, so that it sees what is used after it was given back.
 #if defined(__SANITIZE_ADDRESS__)
 #define QRYHOST_UNDER_ADDRESS_SANITIZER 1
 #elif defined(__has_feature)
@@ -16,44 +17,66 @@
 
 namespace qryhost {
 
-// One thread's. A block comes from malloc() and may be freed there at any time, by any thread.
+// One thread's. Any thread may give a block back: it is kept where it was given back.
 class block_cache {
   public:
+    struct taken_block {
+        void *memory; // aligned for everything; null when there is none
+        std::uint32_t bytes;
+    };
+
     block_cache() = default;
     block_cache(const block_cache &) = delete;
     block_cache &operator=(const block_cache &) = delete;
     ~block_cache();
 
-    // A block of at least `size` bytes; null when there is no memory.
-    void *take(std::size_t size);
+    // A block of at least `size` bytes.
+    taken_block take(std::uint32_t size) {
+        const std::uint32_t index = class_for(size);
+        header *block = first_[index];
+        if (block == nullptr) {
+            return take_fresh(index, size);
+        }
+        first_[index] = block->next;
+        kept_bytes_ -= block->bytes;
+        return {block + 1, block->bytes};
+    }
 
-    // `usable_size` is what malloc_usable_size() says of the block.
-    void give_back(void *block, std::size_t usable_size);
+    // The bytes that the block had.
+    std::uint32_t give_back(void *block);
 
   private:
-    // Sizes are rounded up to four steps for each power of two. What is smaller than the first or larger than
-    // the last is left to the allocator, which is quick with the small ones.
-    static constexpr std::size_t first_bit = 9;
-    static constexpr std::size_t last_bit = 18;
-    static constexpr std::size_t smallest = std::size_t{1} << first_bit;
-    static constexpr std::size_t largest = std::size_t{1} << last_bit;
-    static constexpr std::size_t class_num = 4 * (last_bit - first_bit) + 1;
+    // Sizes are rounded up to four steps for each power of two. What is larger than the last is not kept.
+    static constexpr std::uint32_t first_bit = 6;
+    static constexpr std::uint32_t last_bit = 18;
+    static constexpr std::uint32_t smallest = std::uint32_t{1} << first_bit;
+    static constexpr std::uint32_t largest = std::uint32_t{1} << last_bit;
+    static constexpr std::uint32_t class_num = 4 * (last_bit - first_bit) + 1;
     static constexpr std::size_t kept_bytes_max = std::size_t{16} * 1024 * 1024;
 
-    struct freed_block {
-        freed_block *next;
+    // Stands in front of each block.
+    struct alignas(std::max_align_t) header {
+        std::uint32_t index; // of its class; class_num: it has none
+        std::uint32_t bytes; // behind this
+        header *next;        // of its class, while it is kept
     };
 
-    // The class whose blocks are the largest that are not larger than `size`, which is at least the smallest.
-    static std::size_t class_below(std::size_t size) {
-        const std::size_t bit = 31 - static_cast<std::size_t>(__builtin_clz(static_cast<unsigned int>(size)));
-        return 4 * (bit - first_bit) + (size >> (bit - 2) & 3);
-    }
-    static std::size_t size_of_class(std::size_t index) {
-        return (4 + index % 4) << (first_bit - 2 + index / 4);
+    // The class whose blocks are the smallest that hold `size` bytes.
+    static std::uint32_t class_for(std::uint32_t size) {
+        if (size <= smallest) {
+            return 0;
+        }
+        if (size > largest) {
+            return class_num;
+        }
+        const std::uint32_t below = size - 1;
+        const std::uint32_t bit = 31 - static_cast<std::uint32_t>(__builtin_clz(below));
+        return 4 * (bit - first_bit) + (below >> (bit - 2) & 3) + 1;
     }
 
-    freed_block *first_[class_num] = {};
+    static taken_block take_fresh(std::uint32_t index, std::uint32_t size);
+
+    header *first_[class_num + 1] = {}; // none of the last
     std::size_t kept_bytes_ = 0;
 };
 

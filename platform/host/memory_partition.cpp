@@ -32,13 +32,13 @@ std::uint32_t pfwOSWOrgAllocMemPart(std::uint32_t, void **block, std::uint32_t s
         return fault;
     }
     qryhost::thread_state &mine = qryhost::own_state();
-    void *fresh = mine.freed_blocks.take(size);
-    if (fresh == nullptr) {
+    const qryhost::block_cache::taken_block taken = mine.freed_blocks.take(size);
+    if (taken.memory == nullptr) {
         return partition_exhausted;
     }
-    *block = fresh;
+    *block = taken.memory;
     qryhost::add(mine.blocks, 1);
-    mine.bytes += static_cast<std::ptrdiff_t>(malloc_usable_size(fresh));
+    mine.bytes += static_cast<std::ptrdiff_t>(taken.bytes);
     mine.peak_bytes = std::max(mine.peak_bytes, mine.bytes);
     return 0;
 }
@@ -46,9 +46,7 @@ std::uint32_t pfwOSWOrgAllocMemPart(std::uint32_t, void **block, std::uint32_t s
 std::uint32_t pfwOSWOrgFreeMemPart(std::uint32_t, void *block) {
     qryhost::thread_state &mine = qryhost::own_state();
     qryhost::add(mine.blocks, static_cast<std::uint32_t>(-1));
-    const std::size_t size = malloc_usable_size(block);
-    mine.bytes -= static_cast<std::ptrdiff_t>(size);
-    mine.freed_blocks.give_back(block, size);
+    mine.bytes -= static_cast<std::ptrdiff_t>(mine.freed_blocks.give_back(block));
     return 0;
 }
 
