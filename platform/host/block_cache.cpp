@@ -37,6 +37,9 @@ block_cache::taken_block block_cache::take_fresh(std::uint32_t index, std::uint3
 }
 
 std::uint32_t block_cache::give_back(void *block) {
+    if (block == nullptr) {
+        return 0;
+    }
     header *freed = static_cast<header *>(block) - 1;
     ASAN_UNPOISON_MEMORY_REGION(freed, sizeof *freed);
     const std::uint32_t bytes = freed->bytes;

@@ -42,7 +42,7 @@ class block_cache {
         return {block + 1, block->bytes};
     }
 
-    // The bytes that the block had.
+    // The bytes that the block had; null has none.
     std::uint32_t give_back(void *block);
 
   private:
