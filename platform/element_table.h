@@ -22,13 +22,12 @@ extern "C" {
 #endif
 
 /**
- * Reads an element of a record.
+ * Reads an element of a record: writes the element's whole value and no byte more, or, failing, nothing.
  *
  * @param category  the table
  * @param record    0 to n
  * @param element   the column
- * @param buffer    at least 3001 bytes, aligned for the widest element and cleared as far as the element
- *                  reaches; the platform writes no more than the element's size
+ * @param buffer    at least 3001 bytes, aligned for the widest element; what it holds before means nothing
  * @return 0, or a code
  */
 uint32_t tbctSTCGetTable(uint32_t category, uint32_t record, uint32_t element, void *buffer);

@@ -122,7 +122,7 @@ uint32_t qryhost_pool_blocks(void);
 /**
  * Tells the most bytes that the calling thread had taken and not given back at once since its last reset.
  *
- * @return bytes, as the workstation's allocator rounds them
+ * @return bytes; those of each block are rounded up as the workstation keeps them
  */
 uint64_t qryhost_pool_peak_bytes(void);
 

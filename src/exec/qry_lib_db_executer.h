@@ -84,7 +84,7 @@ class qry_lib_db_executer {
     struct target_column {
         const QRY_LIB_COLUMN *column;
         QRY_LIB_ELEMENT_INFO element;
-        std::size_t name_length = 0; // only where rows are read
+        std::size_t name_length = 0; // the column's, for reading rows
     };
     using target_columns = std::vector<target_column>;
 

@@ -136,7 +136,7 @@ class value_range {
     bool holds_inside_;
 };
 
-// Where the value of a string key ends in the buffer at the latest, for the schema's elements; 0 for others.
+// Where the value of a string key ends in the buffer at the latest; 0 where the schema has no such column.
 std::uint32_t find_value_end(std::uint32_t category, const qry_lib_tb_list_filter_key_ &key) {
     for (const norvane::database_schema *database : norvane::databases) {
         for (std::uint16_t t = 0; t < database->table_num; ++t) {
@@ -164,7 +164,8 @@ class search_key {
           range_(key.operation, width_ != 0 ? load_number(key.value, width_) : std::uint32_t{same}),
           cleared_(key.cmp_size) {
         if (is_string_element(key.elem_type)) {
-            // An element of the schema is written whole or not at all; another may be as large as any value.
+            // The platform writes a column of the schema whole or not at all. Of anything else the size is
+            // not known: it may be as large as any value.
             constexpr std::uint32_t largest = sizeof(QRY_LIB_COLUMN_VALUE);
             const std::uint32_t end = find_value_end(category, key);
             value_end_ = end != 0 ? end : largest;

@@ -85,7 +85,6 @@ bytes sample(const table &of, const element &at, std::uint32_t record, std::uint
 guarded_buffer::guarded_buffer(std::uint16_t size)
     : size_(size), words_(2 * buffer_size / sizeof(std::uint64_t)) {
     std::memset(words_.data(), guard, words_.size() * sizeof words_[0]);
-    std::memset(words_.data(), 0, size_);
 }
 
 bytes guarded_buffer::value() const {
