@@ -120,6 +120,15 @@ TEST_F(memory_partition, any_thread_may_give_a_block_back) {
     EXPECT_EQ(qryhost_pool_blocks(), before);
 }
 
+TEST_F(memory_partition, takes_a_null_block_back_and_counts_it) {
+    const std::uint32_t before = qryhost_pool_blocks();
+    static void *never_given_back = nullptr; // static, so that it is not taken for a leak
+    never_given_back = take(100);
+    give_back(nullptr);
+    EXPECT_EQ(qryhost_pool_blocks(), before);
+    std::memset(never_given_back, 0xEE, 100);
+}
+
 TEST_F(memory_partition, the_peak_is_that_of_the_calling_thread) {
     qryhost_pool_reset_peak();
     const std::uint64_t start = qryhost_pool_peak_bytes();
