@@ -113,7 +113,7 @@ constexpr range_shape range_shapes[] = {
     {true, false, true},  // >=
     {true, true, true},   // LIKE, which has compared no further than the key reaches
 };
-constexpr range_shape no_value = {false, false, false}; // the list forms never reach a search
+constexpr range_shape no_value = {false, false, false}; // any other operation, the list forms too
 static_assert(sizeof range_shapes / sizeof *range_shapes == QRY_LIB_OPERATION_TYPE_LIKE + 1);
 
 // The values that stand to `value` as an operation says. The test takes no branch: which way values differ is
