@@ -37,15 +37,12 @@ void free_text(char *&text) {
 // Copies `text` into a fresh block behind `field`, whose earlier block is the caller's business. The code of
 // the memory partition, 0 for success; on failure the field stays.
 std::uint32_t store_text(char *&field, const char *text) {
-    const std::size_t size = std::strlen(text) + 1;
     pool_block block;
-    const std::uint32_t code = block.take(size);
-    if (code != 0) {
-        return code;
+    const std::uint32_t code = block.take_text(text);
+    if (code == 0) {
+        field = static_cast<char *>(block.release());
     }
-    std::memcpy(block.as<char>(), text, size);
-    field = static_cast<char *>(block.release());
-    return 0;
+    return code;
 }
 
 bool is_column_name(const char *name) {
@@ -84,10 +81,15 @@ void qry_lib_db_wrapper_stmt_init(qry_lib_db_stmt_ *stmt) {
 }
 
 std::uint32_t qry_lib_db_wrapper_get_stmt(const char *db_name, qry_lib_db_stmt_ *stmt) {
-    if (db_name == nullptr || stmt == nullptr || !fits(db_name, QRY_LIB_DB_NAME_MAX)) {
+    // A refused record is initialised too: the setters and the end of a statement take its pointers for
+    // blocks.
+    const bool is_named = db_name != nullptr && fits(db_name, QRY_LIB_DB_NAME_MAX);
+    if (stmt != nullptr) {
+        qry_lib_db_wrapper_stmt_init(stmt);
+    }
+    if (stmt == nullptr || !is_named) {
         return trace_return(__func__, __LINE__, QRY_LIB_INVALID_ARGUMENT);
     }
-    qry_lib_db_wrapper_stmt_init(stmt);
     copy_bounded(stmt->db_name, db_name);
     return 0;
 }

@@ -24,13 +24,8 @@ void fetch_all(qry_lib_analyze_info const &info) {
     for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
         info.col_at(i);
     }
-    char col[QRY_LIB_COLUMN_NAME_MAX + 1];
-    QRY_LIB_COLUMN_VALUE value;
-    QRY_LIB_OPERATION_TYPE operation;
-    QRY_LIB_JOIN_TYPE join;
-    std::int32_t quoted = 0;
     for (std::uint16_t i = 0; i < info.get_filter_cols_num(); ++i) {
-        info.get_filter_cols(i, col, value.str_value, operation, join, quoted);
+        info.filter_at(i);
     }
 }
 

@@ -1,5 +1,8 @@
 // A SELECT over several tables becomes one query for each table and the conditions that join them.
 #include <algorithm>
+#include <cstring>
+#include <numeric>
+#include <set>
 
 #include "link/qry_lib_analyze_link_info.h"
 #include "parser/qry_lib_sql_parser.h"
@@ -32,54 +35,59 @@ bool split_reference(const qry_lib_sql_parser &parser, const char *text, column_
     return parser.trimmed(out.table) && parser.trimmed(out.column);
 }
 
-struct condition {
-    char col[QRY_LIB_COLUMN_NAME_MAX + 1];
-    QRY_LIB_COLUMN_VALUE value;
-    QRY_LIB_OPERATION_TYPE operation;
-    QRY_LIB_JOIN_TYPE join;
-    std::int32_t quoted;
+// Finds the queries that name a table without a look at each: a text may list 65,535 tables, and name one in
+// as many columns and conditions. Refers to the names, which stay where they are.
+class table_finder {
+  public:
+    explicit table_finder(const std::vector<const char *> &names) : names_(names), order_(names.size()) {
+        std::iota(order_.begin(), order_.end(), std::uint16_t{0});
+        std::sort(order_.begin(), order_.end(), [this](std::uint16_t a, std::uint16_t b) {
+            const int by_name = std::strcmp(names_[a], names_[b]);
+            return by_name != 0 ? by_name < 0 : a < b;
+        });
+    }
+
+    // The positions of the table in the list, in its order.
+    struct positions {
+        std::vector<std::uint16_t>::const_iterator first;
+        std::vector<std::uint16_t>::const_iterator last;
+
+        auto begin() const { return first; }
+        auto end() const { return last; }
+        bool empty() const { return first == last; }
+    };
+    positions find(const std::string &table) const {
+        const auto before = [&](std::uint16_t t, int) { return table.compare(names_[t]) > 0; };
+        const auto behind = [&](int, std::uint16_t t) { return table.compare(names_[t]) < 0; };
+        const auto first = std::lower_bound(order_.begin(), order_.end(), 0, before);
+        return {first, std::upper_bound(first, order_.end(), 0, behind)};
+    }
+
+  private:
+    std::vector<const char *> names_;
+    std::vector<std::uint16_t> order_; // by name, then by position
 };
 
-std::uint32_t get_condition(const qry_lib_analyze_info &info, std::uint16_t index, condition &out) {
-    return info.get_filter_cols(index, out.col, out.value.str_value, out.operation, out.join, out.quoted);
-}
-
-bool is_listed(const qry_lib_sql_parser &parser, const std::string &table,
-               std::vector<qry_lib_analyze_info> &per_table) {
-    return std::any_of(per_table.begin(), per_table.end(), [&](qry_lib_analyze_info &query) {
-        return parser.get_is_table(0, table, query) == 1;
-    });
-}
-
-std::size_t count_conditions(const std::vector<qry_lib_analyze_info> &per_table) {
-    std::size_t total = 0;
-    for (const qry_lib_analyze_info &query : per_table) {
-        total += query.get_filter_cols_num();
+std::vector<const char *> listed_tables(const qry_lib_analyze_info &info) {
+    std::vector<const char *> names(info.get_table_num());
+    for (std::uint16_t t = 0; t < info.get_table_num(); ++t) {
+        names[t] = info.table_at(t);
     }
-    return total;
+    return names;
+}
+
+std::vector<const char *> query_tables(const std::vector<qry_lib_analyze_info> &per_table) {
+    std::vector<const char *> names;
+    names.reserve(per_table.size());
+    for (const qry_lib_analyze_info &query : per_table) {
+        names.push_back(query.get_table());
+    }
+    return names;
 }
 
 void name_side(QRY_LIB_COLUMN &side, const column_reference &reference) {
     copy_bounded(side.table_name, reference.table.c_str());
     copy_bounded(side.col_name, reference.column.c_str());
-}
-
-// The join keys come back from the per-table queries, whether or not the caller selected them. False when a
-// query has no room for one more column.
-bool add_key_column(const qry_lib_sql_parser &parser, const column_reference &key,
-                    std::vector<qry_lib_analyze_info> &per_table) {
-    static constexpr QRY_LIB_COLUMN_VALUE no_value{};
-    const auto table_num = static_cast<std::uint16_t>(per_table.size()); // as many as the query counts
-    for (std::uint16_t t = 0; t < table_num; ++t) {
-        if (parser.get_is_table(0, key.table, per_table[t]) == 1 &&
-            parser.get_is_col_name(t, key.column, per_table) == 0) {
-            if (per_table[t].get_cols_num() == UINT16_MAX) {
-                return false;
-            }
-            per_table[t].add_cols(key.table.c_str(), key.column.c_str(), no_value, QRY_LIB_COLUMN_TYPE_STR);
-        }
-    }
-    return true;
 }
 
 } // namespace
@@ -122,36 +130,198 @@ std::uint32_t qry_lib_sql_parser::set_link_select_cols(qry_lib_analyze_info &inf
     if (info.get_cols_num() == 0) {
         return QRY_LIB_NOT_ACCEPTED;
     }
+    const table_finder tables(listed_tables(info));
     for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
-        char name[QRY_LIB_COLUMN_NAME_MAX + 1];
-        QRY_LIB_COLUMN_VALUE value;
-        QRY_LIB_COLUMN_TYPE type;
-        if (const std::uint32_t code = info.get_cols(i, name, &value, type); code != 0) {
-            return trace_return(__func__, 1657, code);
+        const QRY_LIB_COLUMN *column = info.col_at(i);
+        if (column == nullptr) {
+            return trace_return(__func__, 1657, QRY_LIB_NO_SUCH_ITEM);
         }
         column_reference selected;
-        if (!split_reference(*this, name, selected)) {
+        if (!split_reference(*this, column->col_name, selected)) {
             return QRY_LIB_NOT_ACCEPTED;
         }
-        bool known = false;
-        for (std::uint16_t t = 0; t < info.get_table_num(); ++t) {
-            if (get_is_table(t, selected.table, info) == 1) {
-                // A table listed several times gets the column each time, beyond what 16 bits count.
-                if (link_info.get_cols_num() == UINT16_MAX) {
-                    return refuse(__func__, __LINE__);
-                }
-                per_table[t].add_cols(selected.table.c_str(), selected.column.c_str(), value,
-                                      QRY_LIB_COLUMN_TYPE_STR);
-                link_info.add_cols(selected.table.c_str(), selected.column.c_str());
-                known = true;
-            }
-        }
-        if (!known) {
+        const table_finder::positions named = tables.find(selected.table);
+        if (named.empty()) {
             return refuse(__func__, 1705);
+        }
+        for (const std::uint16_t t : named) {
+            // A table listed several times gets the column each time, beyond what 16 bits count.
+            if (link_info.get_cols_num() == UINT16_MAX) {
+                return refuse(__func__, __LINE__);
+            }
+            per_table[t].add_cols(selected.table.c_str(), selected.column.c_str(), column->value,
+                                  QRY_LIB_COLUMN_TYPE_STR);
+            link_info.add_cols(selected.table.c_str(), selected.column.c_str());
         }
     }
     return 0;
 }
+
+namespace {
+
+// Takes the conditions of a linked query over, one by one: a join becomes a link, any other comparison goes
+// to the query of its table. What has been added is counted along the way, for a table listed several times
+// gets a column or a condition each time: beyond what 16 bits count, the text is not accepted.
+class condition_splitter {
+  public:
+    condition_splitter(const qry_lib_sql_parser &parser, const qry_lib_analyze_info &info,
+                       std::vector<qry_lib_analyze_info> &per_table, qry_lib_analyze_link_info &link_info)
+        : parser_(parser), info_(info), per_table_(per_table), link_info_(link_info),
+          tables_(query_tables(per_table)) {
+        for (const qry_lib_analyze_info &query : per_table) {
+            condition_num_ += query.get_filter_cols_num();
+        }
+    }
+
+    std::uint32_t take_over(std::uint16_t index, bool &is_join);
+    std::uint32_t add_link(std::uint16_t index);
+
+  private:
+    std::uint32_t add_comparison(const column_reference &compared, const QRY_LIB_CONDITION &filter);
+    bool is_listed(const std::string &table) const;
+    bool add_key_column(const column_reference &key);
+    void find_columns();
+
+    const qry_lib_sql_parser &parser_;
+    const qry_lib_analyze_info &info_;
+    std::vector<qry_lib_analyze_info> &per_table_;
+    qry_lib_analyze_link_info &link_info_;
+    table_finder tables_;
+    std::size_t condition_num_ = 0;
+    std::set<std::pair<std::uint16_t, std::string>> columns_; // of each query; known once there is a join
+};
+
+std::uint32_t condition_splitter::take_over(std::uint16_t index, bool &is_join) {
+    static constexpr char name[] = "set_link_filter_cols";
+    const QRY_LIB_CONDITION *filter = info_.filter_at(index);
+    if (filter == nullptr) {
+        return trace_return(name, 1763, QRY_LIB_NO_SUCH_ITEM);
+    }
+    column_reference compared;
+    if (!split_reference(parser_, filter->col_name.c_str(), compared)) {
+        return QRY_LIB_NOT_ACCEPTED;
+    }
+    if (filter->value_is_quoted != 0) {
+        return add_comparison(compared, *filter);
+    }
+    unsigned int dot_num = 0;
+    parser_.get_keyword_num(filter->value.str_value, ".", dot_num);
+    if (dot_num > 1) {
+        return refuse(name, 1816);
+    }
+    if (dot_num == 1) {
+        if (filter->operation != QRY_LIB_OPERATION_TYPE_EQUAL || filter->join != QRY_LIB_JOIN_TYPE_AND) {
+            return refuse(name, 1824);
+        }
+        is_join = true;
+        const std::uint32_t code = add_link(index);
+        return code == 0 ? 0 : trace_return(name, 1831, code);
+    }
+    int is_number = 0;
+    parser_.check_col_val(filter->value.str_value, is_number);
+    return is_number == 0 ? std::uint32_t{QRY_LIB_NOT_ACCEPTED} : add_comparison(compared, *filter);
+}
+
+std::uint32_t condition_splitter::add_comparison(const column_reference &compared,
+                                                 const QRY_LIB_CONDITION &filter) {
+    static constexpr char name[] = "set_link_filter_cols";
+    const table_finder::positions named = tables_.find(compared.table);
+    if (named.empty()) {
+        return refuse(name, filter.value_is_quoted != 0 ? 1806 : 1866);
+    }
+    for (const std::uint16_t t : named) {
+        if (++condition_num_ > UINT16_MAX) {
+            return refuse(name, __LINE__);
+        }
+        per_table_[t].add_filter_cols(compared.table.c_str(), compared.column.c_str(), filter.value.str_value,
+                                      filter.operation, filter.join, filter.value_is_quoted);
+    }
+    return 0;
+}
+
+std::uint32_t condition_splitter::add_link(std::uint16_t index) {
+    static constexpr char name[] = "set_link_filter_val";
+    const QRY_LIB_CONDITION *filter = info_.filter_at(index);
+    if (filter == nullptr) {
+        trace_return(name, 1914, QRY_LIB_NO_SUCH_ITEM);
+        return QRY_LIB_NOT_ACCEPTED;
+    }
+    std::vector<std::string> parts;
+    unsigned int count = 0;
+    if (const std::uint32_t code = parser_.divide_keyword(filter->col_name.c_str(), ".", count, parts);
+        code != 0 || count != 2) {
+        trace_return(name, 1923, code);
+        return QRY_LIB_NOT_ACCEPTED;
+    }
+    if (const std::uint32_t code = parser_.divide_keyword(filter->value.str_value, ".", count, parts);
+        code != 0 || count != 2) {
+        trace_return(name, 1929, code);
+        return QRY_LIB_NOT_ACCEPTED;
+    }
+    if (parts.size() != 4) {
+        return refuse(name, 1934);
+    }
+    for (std::string &part : parts) {
+        if (!parser_.trimmed(part)) {
+            return QRY_LIB_NOT_ACCEPTED;
+        }
+    }
+    const column_reference left{parts[0], parts[1]};
+    const column_reference right{parts[2], parts[3]};
+    if (!is_listed(left.table) || !is_listed(right.table)) {
+        return refuse(name, 1963);
+    }
+    if (left.column.size() > QRY_LIB_COLUMN_NAME_MAX || right.column.size() > QRY_LIB_COLUMN_NAME_MAX) {
+        return refuse(name, __LINE__);
+    }
+    QRY_LIB_LINK link{};
+    name_side(link.left, left);
+    name_side(link.right, right);
+    link_info_.add_link(link);
+    if (!add_key_column(left) || !add_key_column(right)) {
+        return refuse(name, __LINE__);
+    }
+    return 0;
+}
+
+// Where there is no such name each query is asked, once: one without a table traces that.
+bool condition_splitter::is_listed(const std::string &table) const {
+    return !tables_.find(table).empty() ||
+           std::any_of(per_table_.begin(), per_table_.end(), [&](qry_lib_analyze_info &query) {
+               return parser_.get_is_table(0, table, query) == 1;
+           });
+}
+
+// The join keys come back from the per-table queries, whether or not the caller selected them. False when
+// there is no room for one more column.
+bool condition_splitter::add_key_column(const column_reference &key) {
+    static constexpr QRY_LIB_COLUMN_VALUE no_value{};
+    if (columns_.empty()) {
+        find_columns();
+    }
+    for (const std::uint16_t t : tables_.find(key.table)) {
+        if (columns_.count({t, key.column}) != 0) {
+            continue;
+        }
+        if (columns_.size() >= UINT16_MAX || per_table_[t].get_cols_num() == UINT16_MAX) {
+            return false;
+        }
+        per_table_[t].add_cols(key.table.c_str(), key.column.c_str(), no_value, QRY_LIB_COLUMN_TYPE_STR);
+        columns_.emplace(t, key.column);
+    }
+    return true;
+}
+
+void condition_splitter::find_columns() {
+    const auto table_num = static_cast<std::uint16_t>(per_table_.size());
+    for (std::uint16_t t = 0; t < table_num; ++t) {
+        for (std::uint16_t i = 0; i < per_table_[t].get_cols_num(); ++i) {
+            columns_.emplace(t, per_table_[t].col_at(i)->col_name);
+        }
+    }
+}
+
+} // namespace
 
 std::uint32_t qry_lib_sql_parser::set_link_filter_cols(qry_lib_analyze_info &info,
                                                        std::vector<qry_lib_analyze_info> &per_table,
@@ -163,11 +333,11 @@ std::uint32_t qry_lib_sql_parser::set_link_filter_cols(qry_lib_analyze_info &inf
     if (info.get_filter_cols_num() == 0) {
         return QRY_LIB_NOT_ACCEPTED;
     }
+    condition_splitter splitter(*this, info, per_table, link_info);
     int join_num = 0;
     for (std::uint16_t i = 0; i < info.get_filter_cols_num(); ++i) {
         bool is_join = false;
-        const std::uint32_t code = set_link_condition(i, info, per_table, link_info, is_join);
-        if (code != 0) {
+        if (const std::uint32_t code = splitter.take_over(i, is_join); code != 0) {
             return join_num >= joins_needed ? code : std::uint32_t{QRY_LIB_NOT_ACCEPTED};
         }
         join_num += is_join ? 1 : 0;
@@ -175,100 +345,10 @@ std::uint32_t qry_lib_sql_parser::set_link_filter_cols(qry_lib_analyze_info &inf
     return join_num < joins_needed ? std::uint32_t{QRY_LIB_NOT_ACCEPTED} : 0;
 }
 
-// One condition: a join between two tables, or a comparison that one table's query takes over.
-std::uint32_t qry_lib_sql_parser::set_link_condition(std::uint16_t index, qry_lib_analyze_info &info,
-                                                     std::vector<qry_lib_analyze_info> &per_table,
-                                                     qry_lib_analyze_link_info &link_info,
-                                                     bool &is_join) const {
-    static constexpr char name[] = "set_link_filter_cols";
-    condition filter;
-    if (const std::uint32_t code = get_condition(info, index, filter); code != 0) {
-        return trace_return(name, 1763, code);
-    }
-    column_reference compared;
-    if (!split_reference(*this, filter.col, compared)) {
-        return QRY_LIB_NOT_ACCEPTED;
-    }
-    if (filter.quoted == 0) {
-        unsigned int dot_num = 0;
-        get_keyword_num(filter.value.str_value, ".", dot_num);
-        if (dot_num > 1) {
-            return refuse(name, 1816);
-        }
-        if (dot_num == 1) {
-            if (filter.operation != QRY_LIB_OPERATION_TYPE_EQUAL || filter.join != QRY_LIB_JOIN_TYPE_AND) {
-                return refuse(name, 1824);
-            }
-            is_join = true;
-            const std::uint32_t code = set_link_filter_val(index, info, per_table, link_info);
-            return code == 0 ? 0 : trace_return(name, 1831, code);
-        }
-        int is_number = 0;
-        check_col_val(filter.value.str_value, is_number);
-        if (is_number == 0) {
-            return QRY_LIB_NOT_ACCEPTED;
-        }
-    }
-    bool known = false;
-    std::size_t condition_num = count_conditions(per_table);
-    for (std::uint16_t t = 0; t < info.get_table_num(); ++t) {
-        if (get_is_table(t, compared.table, info) == 1) {
-            // A table listed several times gets the condition each time, beyond what 16 bits count.
-            if (++condition_num > UINT16_MAX) {
-                return refuse(name, __LINE__);
-            }
-            per_table[t].add_filter_cols(compared.table.c_str(), compared.column.c_str(),
-                                         filter.value.str_value, filter.operation, filter.join,
-                                         filter.quoted);
-            known = true;
-        }
-    }
-    return known ? 0 : refuse(name, filter.quoted != 0 ? 1806 : 1866);
-}
-
 std::uint32_t qry_lib_sql_parser::set_link_filter_val(unsigned short index, qry_lib_analyze_info &info,
                                                       std::vector<qry_lib_analyze_info> &per_table,
                                                       qry_lib_analyze_link_info &link_info) const {
-    condition filter;
-    if (const std::uint32_t code = get_condition(info, index, filter); code != 0) {
-        trace_return(__func__, 1914, code);
-        return QRY_LIB_NOT_ACCEPTED;
-    }
-    std::vector<std::string> parts;
-    unsigned int count = 0;
-    if (const std::uint32_t code = divide_keyword(filter.col, ".", count, parts); code != 0 || count != 2) {
-        trace_return(__func__, 1923, code);
-        return QRY_LIB_NOT_ACCEPTED;
-    }
-    if (const std::uint32_t code = divide_keyword(filter.value.str_value, ".", count, parts);
-        code != 0 || count != 2) {
-        trace_return(__func__, 1929, code);
-        return QRY_LIB_NOT_ACCEPTED;
-    }
-    if (parts.size() != 4) {
-        return refuse(__func__, 1934);
-    }
-    for (std::string &part : parts) {
-        if (!trimmed(part)) {
-            return QRY_LIB_NOT_ACCEPTED;
-        }
-    }
-    const column_reference left{parts[0], parts[1]};
-    const column_reference right{parts[2], parts[3]};
-    if (!is_listed(*this, left.table, per_table) || !is_listed(*this, right.table, per_table)) {
-        return refuse(__func__, 1963);
-    }
-    if (left.column.size() > QRY_LIB_COLUMN_NAME_MAX || right.column.size() > QRY_LIB_COLUMN_NAME_MAX) {
-        return refuse(__func__, __LINE__);
-    }
-    QRY_LIB_LINK link{};
-    name_side(link.left, left);
-    name_side(link.right, right);
-    link_info.add_link(link);
-    if (!add_key_column(*this, left, per_table) || !add_key_column(*this, right, per_table)) {
-        return refuse(__func__, __LINE__);
-    }
-    return 0;
+    return condition_splitter(*this, info, per_table, link_info).add_link(index);
 }
 
 } // namespace norvane

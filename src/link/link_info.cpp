@@ -18,7 +18,7 @@ std::uint32_t qry_lib_analyze_link_info::get_analyze_info(std::uint16_t index,
     return 0;
 }
 
-void qry_lib_analyze_link_info::add_link(QRY_LIB_LINK link) {
+void qry_lib_analyze_link_info::add_link(const QRY_LIB_LINK &link) {
     links_.push_back(link);
 }
 

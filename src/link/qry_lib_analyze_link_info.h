@@ -42,7 +42,7 @@ class qry_lib_analyze_link_info {
     std::uint16_t get_analyze_info_num() const { return static_cast<std::uint16_t>(analyze_infos_.size()); }
     std::uint32_t get_analyze_info(std::uint16_t index, qry_lib_analyze_info &out) const;
 
-    void add_link(QRY_LIB_LINK link);
+    void add_link(const QRY_LIB_LINK &link);
     std::uint16_t get_link_num() const { return static_cast<std::uint16_t>(links_.size()); }
     std::uint32_t get_link(std::uint16_t index, QRY_LIB_LINK &out) const;
 

@@ -1,7 +1,6 @@
 // The analyzed query's lists and their getters.
 #include "parser/qry_lib_analyze_info.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "util/bounded_text.h"
@@ -23,7 +22,8 @@ void qry_lib_analyze_info::set_table(const char *name) {
     }
 }
 
-QRY_LIB_COLUMN &qry_lib_analyze_info::add_col(const char *table, const char *col, QRY_LIB_COLUMN_TYPE type) {
+QRY_LIB_COLUMN &qry_lib_analyze_info::add_col(const char *table, std::string_view col,
+                                              QRY_LIB_COLUMN_TYPE type) {
     QRY_LIB_COLUMN &column = cols_.emplace_back();
     copy_bounded(column.col_name, col);
     column.type = type;
@@ -36,21 +36,13 @@ void qry_lib_analyze_info::add_cols(const char *table, const char *col, const QR
     std::memcpy(&add_col(table, col, type).value, &value, sizeof value);
 }
 
-void qry_lib_analyze_info::add_empty_col(const char *col) {
+void qry_lib_analyze_info::add_empty_col(std::string_view col) {
     add_col(get_table(), col, QRY_LIB_COLUMN_TYPE_STR);
 }
 
 void qry_lib_analyze_info::add_cols(const char *col, const QRY_LIB_COLUMN_VALUE &value,
                                     QRY_LIB_COLUMN_TYPE type) {
     add_cols(get_table(), col, value, type);
-}
-
-// Lists of values ask for room one after the other, so the room at least doubles: to the exact number each
-// would move all conditions before it.
-void qry_lib_analyze_info::reserve_filter_cols(std::size_t num) {
-    if (num > filters_.capacity()) {
-        filters_.reserve(std::max(num, 2 * filters_.capacity()));
-    }
 }
 
 void qry_lib_analyze_info::add_filter_cols(const char *table, const char *col, const char *value,
@@ -121,15 +113,15 @@ std::uint32_t qry_lib_analyze_info::get_filter_cols(std::uint16_t index, char *t
 std::uint32_t qry_lib_analyze_info::get_filter_cols(std::uint16_t index, char *col, char *value,
                                                     QRY_LIB_OPERATION_TYPE &operation,
                                                     QRY_LIB_JOIN_TYPE &join, std::int32_t &quoted) const {
-    if (index >= get_filter_cols_num()) {
+    const QRY_LIB_CONDITION *condition = filter_at(index);
+    if (condition == nullptr) {
         return QRY_LIB_NO_SUCH_ITEM;
     }
-    const QRY_LIB_CONDITION &condition = filters_[index];
-    copy_bounded<QRY_LIB_COLUMN_NAME_MAX>(col, condition.col_name.c_str());
-    copy_bounded<QRY_LIB_STRING_MAX>(value, condition.value.str_value);
-    operation = condition.operation;
-    join = condition.join;
-    quoted = condition.value_is_quoted;
+    copy_bounded<QRY_LIB_COLUMN_NAME_MAX>(col, condition->col_name.c_str());
+    copy_bounded<QRY_LIB_STRING_MAX>(value, condition->value.str_value);
+    operation = condition->operation;
+    join = condition->join;
+    quoted = condition->value_is_quoted;
     return 0;
 }
 

@@ -4,9 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "qrylib/types.h"
+#include "util/chunked_list.h"
 
 namespace norvane {
 
@@ -44,15 +46,15 @@ class qry_lib_analyze_info {
     void add_cols(const char *col, const QRY_LIB_COLUMN_VALUE &value, QRY_LIB_COLUMN_TYPE type);
 
     // A column of the first table that has no value yet: the empty string, zeros behind it.
-    void add_empty_col(const char *col);
+    void add_empty_col(std::string_view col);
     void add_filter_cols(const char *table, const char *col, const char *value,
                          QRY_LIB_OPERATION_TYPE operation, QRY_LIB_JOIN_TYPE join, std::int32_t quoted);
     void add_filter_cols(const char *col, const char *value, QRY_LIB_OPERATION_TYPE operation,
                          QRY_LIB_JOIN_TYPE join, std::int32_t quoted);
 
-    // Makes room for as many columns or conditions, so that adding them moves none.
-    void reserve_cols(std::size_t num) { cols_.reserve(num); }
-    void reserve_filter_cols(std::size_t num);
+    // How many columns or conditions there will be in all, as far as is known.
+    void expect_cols(std::size_t num) { cols_.expect(num); }
+    void expect_filter_cols(std::size_t num) { filters_.expect(num); }
 
     void set_order(const char *table, const char *col, QRY_LIB_ODER_TYPE order_type);
     void set_order(const char *col, QRY_LIB_ODER_TYPE order_type);
@@ -66,6 +68,11 @@ class qry_lib_analyze_info {
 
     std::uint16_t get_table_num() const { return static_cast<std::uint16_t>(tables_.size()); }
     std::uint32_t get_table(std::uint16_t index, char *name) const;
+
+    // The name itself; null beyond the end.
+    const char *table_at(std::uint16_t index) const {
+        return index < get_table_num() ? tables_[index].c_str() : nullptr;
+    }
     std::uint16_t get_cols_num() const { return static_cast<std::uint16_t>(cols_.size()); }
 
     // The column itself, for reading without a copy of its 3000 bytes; null beyond the end.
@@ -77,6 +84,11 @@ class qry_lib_analyze_info {
     std::uint32_t get_cols(std::uint16_t index, char *col, QRY_LIB_COLUMN_VALUE *value,
                            QRY_LIB_COLUMN_TYPE &type) const;
     std::uint16_t get_filter_cols_num() const { return static_cast<std::uint16_t>(filters_.size()); }
+
+    // The condition itself, likewise.
+    const QRY_LIB_CONDITION *filter_at(std::uint16_t index) const {
+        return index < get_filter_cols_num() ? &filters_[index] : nullptr;
+    }
     std::uint32_t get_filter_cols(std::uint16_t index, char *table, char *col, char *value,
                                   QRY_LIB_OPERATION_TYPE &operation, QRY_LIB_JOIN_TYPE &join,
                                   std::int32_t &quoted) const;
@@ -87,12 +99,15 @@ class qry_lib_analyze_info {
     void get_order(char *col, QRY_LIB_ODER_TYPE &order_type) const;
 
   private:
-    QRY_LIB_COLUMN &add_col(const char *table, const char *col, QRY_LIB_COLUMN_TYPE type);
+    // Columns and conditions are 3 KB each, and a text may announce thousands of which the first is refused.
+    static constexpr std::size_t chunk_size = 256;
+
+    QRY_LIB_COLUMN &add_col(const char *table, std::string_view col, QRY_LIB_COLUMN_TYPE type);
 
     QRY_LIB_DB_QUERY_TYPE exec_type_ = QRY_LIB_DB_QUERY_TYPE_NONE;
-    std::vector<QRY_LIB_COLUMN> cols_;
+    chunked_list<QRY_LIB_COLUMN, chunk_size> cols_;
     std::vector<std::string> tables_; // the first is the query's main table
-    std::vector<QRY_LIB_CONDITION> filters_;
+    chunked_list<QRY_LIB_CONDITION, chunk_size> filters_;
     std::string order_col_;
     QRY_LIB_ODER_TYPE order_type_ = QRY_LIB_ODER_TYPE_NOTHING;
     std::string order_table_;

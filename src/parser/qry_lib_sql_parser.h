@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "parser/qry_lib_analyze_info.h"
@@ -41,6 +42,11 @@ class qry_lib_sql_parser {
     // occurrence, when nothing is appended.
     std::uint32_t divide_keyword(const char *text, const char *keyword, unsigned int &count,
                                  std::vector<std::string> &pieces) const;
+
+    // Whether divide_keyword's scratch block can be had; false is traced in its name. For callers that read
+    // the pieces one by one where the text stands: they take that block as well, so that a split costs the
+    // memory partition the same, and may fail there, wherever it is made.
+    bool can_divide(const char *text) const;
 
     // Splits at two keywords that stand next to each other: appends the text before the first and the text
     // after the second. count is that of the last split made; above 2, a keyword is repeated.
@@ -128,10 +134,8 @@ class qry_lib_sql_parser {
                                     std::string &order) const;
     std::uint32_t set_select_tables(const std::string &tables, qry_lib_analyze_info &info) const;
     std::uint32_t set_select_cols(const std::string &cols, bool sorted, qry_lib_analyze_info &info) const;
-    std::uint32_t add_select_col(const std::string &col, qry_lib_analyze_info &info) const;
-    std::uint32_t set_link_condition(std::uint16_t index, qry_lib_analyze_info &info,
-                                     std::vector<qry_lib_analyze_info> &per_table,
-                                     qry_lib_analyze_link_info &link_info, bool &is_join) const;
+    std::uint32_t add_condition(std::string_view condition, QRY_LIB_JOIN_TYPE join,
+                                qry_lib_analyze_info &info) const;
     std::uint32_t split_sort(const char *sort_phrase, const char *direction, char *column) const;
 };
 

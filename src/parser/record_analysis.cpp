@@ -46,7 +46,7 @@ std::uint32_t add_columns(const char *function, int nameless_line, const QRY_LIB
         return refuse(function, __LINE__);
     }
     if (record.cols != nullptr && record.col_num > 0) {
-        info.reserve_cols(static_cast<std::size_t>(record.col_num));
+        info.expect_cols(static_cast<std::size_t>(record.col_num));
     }
     for (std::int32_t i = 0; i < record.col_num; ++i) {
         if (record.cols == nullptr || record.cols[i].col_name[0] == '\0') {
@@ -123,7 +123,8 @@ std::uint32_t qry_lib_sql_parser::analyze_param_delete(const char *db_name, cons
 std::uint32_t qry_lib_sql_parser::analyze_param_select(const char *db_name, const QRY_LIB_RECORD *record,
                                                        const char *table, const char *where,
                                                        const char *order, qry_lib_analyze_info &info) const {
-    if (is_blank(table) || record->col_num == 0) {
+    // A negative count adds no columns to a change, but leaves a SELECT nothing to select.
+    if (is_blank(table) || record->col_num <= 0) {
         return refuse(__func__, 668);
     }
     if (const std::uint32_t code = set_target(__func__, QRY_LIB_DB_QUERY_TYPE_SELECT, db_name, table, info);
@@ -131,7 +132,7 @@ std::uint32_t qry_lib_sql_parser::analyze_param_select(const char *db_name, cons
         return code;
     }
     char first[QRY_LIB_TABLE_NAME_MAX + 1] = {};
-    if (record->cols != nullptr && record->col_num > 0) {
+    if (record->cols != nullptr) {
         copy_bounded<QRY_LIB_COLUMN_NAME_MAX>(static_cast<char *>(first), record->cols[0].col_name);
     }
     if (const std::uint32_t code = trim_space_all(first); code != 0) {

@@ -1,5 +1,6 @@
 // SELECT text: its four clauses, the column and table lists, the sort phrase.
 #include "parser/qry_lib_sql_parser.h"
+#include "parser/text_pieces.h"
 #include "util/bounded_text.h"
 #include "util/pool_block.h"
 #include "util/trace.h"
@@ -8,7 +9,7 @@ namespace norvane {
 
 namespace {
 
-constexpr std::size_t count_max = UINT16_MAX;
+constexpr unsigned int count_max = UINT16_MAX;
 
 } // namespace
 
@@ -16,13 +17,10 @@ std::uint32_t qry_lib_sql_parser::divide_select_reserve_str(const char *sql, std
                                                             std::string &tables, std::string &where,
                                                             std::string &order) const {
     // The blank in front lets SELECT stand at the very start.
-    const std::size_t length = std::strlen(sql);
     pool_block scratch;
-    if (scratch.take(std::uint64_t{length} + 2) != 0) {
+    if (scratch.take_text(sql, " ") != 0) {
         return trace_return(__func__, 924, QRY_LIB_NO_MEMORY);
     }
-    scratch.as<char>()[0] = ' ';
-    std::memcpy(scratch.as<char>() + 1, sql, length + 1);
     return divide_clauses(scratch.as<char>(), cols, tables, where, order);
 }
 
@@ -108,23 +106,24 @@ std::uint32_t qry_lib_sql_parser::analyze_sql_select(const char *db_name, const 
 std::uint32_t qry_lib_sql_parser::set_select_tables(const std::string &tables,
                                                     qry_lib_analyze_info &info) const {
     static constexpr char name[] = "analyze_sql_select";
-    std::vector<std::string> items;
-    unsigned int count = 0;
-    if (divide_keyword(tables.c_str(), ",", count, items) != 0) {
+    unsigned int comma_num = 0;
+    get_keyword_num(tables.c_str(), ",", comma_num);
+    if (!can_divide(tables.c_str())) {
         return trace_return(name, 172, QRY_LIB_NOT_ACCEPTED);
     }
-    if (count > count_max || (count == 0 && tables.size() > QRY_LIB_TABLE_NAME_MAX)) {
+    if (comma_num >= count_max || (comma_num == 0 && tables.size() > QRY_LIB_TABLE_NAME_MAX)) {
         return trace_return(name, __LINE__, QRY_LIB_NOT_ACCEPTED);
     }
-    if (count == 0) {
+    if (comma_num == 0) {
         info.set_table(tables.c_str());
+        return 0;
     }
-    for (const std::string &item : items) {
+    text_pieces items(tables.c_str(), ",");
+    for (std::string_view item; items.next(item);) {
         pool_block table;
-        if (table.take(std::uint64_t{item.size()} + 1) != 0) {
+        if (table.take_text(item) != 0) {
             return trace_return(name, 180, QRY_LIB_NO_MEMORY);
         }
-        std::memcpy(table.as<char>(), item.c_str(), item.size() + 1);
         if (trim_space_front_rear(trim_both, table.as<char>()) != 0 || table.as<char>()[0] == '\0') {
             return trace_return(name, 191, QRY_LIB_NOT_ACCEPTED);
         }
@@ -140,10 +139,9 @@ std::uint32_t qry_lib_sql_parser::set_select_cols(const std::string &cols, bool 
                                                   qry_lib_analyze_info &info) const {
     static constexpr char name[] = "analyze_sql_select";
     pool_block list;
-    if (list.take(std::uint64_t{cols.size()} + 1) != 0) {
+    if (list.take_text(cols) != 0) {
         return trace_return(name, 231, QRY_LIB_NO_MEMORY);
     }
-    std::memcpy(list.as<char>(), cols.c_str(), cols.size() + 1);
     unsigned int comma_num = 0;
     unsigned int count_num = 0;
     get_keyword_num(list.as<char>(), ",", comma_num);
@@ -157,34 +155,23 @@ std::uint32_t qry_lib_sql_parser::set_select_cols(const std::string &cols, bool 
         return 0;
     }
     info.set_exec_type(QRY_LIB_DB_QUERY_TYPE_SELECT);
-    std::vector<std::string> items;
-    unsigned int count = 0;
-    if (divide_keyword(list.as<char>(), ",", count, items) != 0) {
+    if (!can_divide(list.as<char>())) {
         return trace_return(name, 269, QRY_LIB_NOT_ACCEPTED);
     }
-    if (count > count_max) {
+    if (comma_num >= count_max) {
         return trace_return(name, __LINE__, QRY_LIB_NOT_ACCEPTED);
     }
-    if (count == 0) {
-        return add_select_col(cols, info);
-    }
-    info.reserve_cols(count);
-    for (const std::string &item : items) {
+    info.expect_cols(comma_num + 1);
+    text_pieces items(list.as<char>(), ",");
+    for (std::string_view item; items.next(item);) {
         if (item.empty()) {
             return trace_return(name, 289, QRY_LIB_NOT_ACCEPTED);
         }
-        if (const std::uint32_t code = add_select_col(item, info); code != 0) {
-            return code;
+        if (item.size() > QRY_LIB_COLUMN_NAME_MAX) {
+            return trace_return(name, __LINE__, QRY_LIB_NOT_ACCEPTED);
         }
+        info.add_empty_col(item);
     }
-    return 0;
-}
-
-std::uint32_t qry_lib_sql_parser::add_select_col(const std::string &col, qry_lib_analyze_info &info) const {
-    if (col.size() > QRY_LIB_COLUMN_NAME_MAX) {
-        return trace_return("analyze_sql_select", __LINE__, QRY_LIB_NOT_ACCEPTED);
-    }
-    info.add_empty_col(col.c_str());
     return 0;
 }
 
@@ -239,10 +226,9 @@ std::uint32_t qry_lib_sql_parser::split_sort(const char *sort_phrase, const char
         return trace_return(name, 2226, QRY_LIB_NOT_ACCEPTED);
     }
     pool_block scratch;
-    if (scratch.take(std::uint64_t{pieces[0].size()} + 1) != 0) {
+    if (scratch.take_text(pieces[0]) != 0) {
         return trace_return(name, 2234, QRY_LIB_NO_MEMORY);
     }
-    std::memcpy(scratch.as<char>(), pieces[0].c_str(), pieces[0].size() + 1);
     if (trim_space_front_rear(trim_both, scratch.as<char>()) != 0 || scratch.as<char>()[0] == '\0') {
         return trace_return(name, 2243, QRY_LIB_NOT_ACCEPTED);
     }

@@ -34,20 +34,22 @@ std::uint32_t qry_lib_sql_parser::analyze_sql(const char *db_name, const char *s
                                               qry_lib_analyze_info &info) const {
     info.set_table("");
     // The blank in front lets a keyword match at the very start.
-    const std::size_t length = std::strlen(sql);
     pool_block scratch;
-    if (scratch.take(std::uint64_t{length} + 2) != 0) {
+    if (scratch.take_text(sql, " ") != 0) {
         return trace_return(function_name, 424, QRY_LIB_NO_MEMORY);
     }
-    scratch.as<char>()[0] = ' ';
-    std::memcpy(scratch.as<char>() + 1, sql, length + 1);
     return analyze_statement(db_name, scratch.as<char>(), info);
 }
 
 std::uint32_t qry_lib_sql_parser::analyze_statement(const char *db_name, const char *text,
                                                     qry_lib_analyze_info &info) const {
     std::vector<std::string> parts;
-    if (find_two_keyword(text, " CREATE ", " INDEX ", parts).outcome == found::yes) {
+    const found index = find_two_keyword(text, " CREATE ", " INDEX ", parts).outcome;
+    if (index == found::no_memory) {
+        // The text may be one without effect; what it holds besides must not be carried out.
+        return trace_return(function_name, __LINE__, QRY_LIB_NO_MEMORY);
+    }
+    if (index == found::yes) {
         info.set_exec_type(QRY_LIB_DB_QUERY_TYPE_CREATE);
         return 0;
     }

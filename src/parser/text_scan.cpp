@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "parser/qry_lib_sql_parser.h"
+#include "parser/text_pieces.h"
 #include "util/pool_block.h"
 #include "util/trace.h"
 
@@ -34,15 +35,6 @@ span without_outer_blanks(unsigned char mode, const char *text, std::size_t leng
     return rest;
 }
 
-// Takes a scratch copy of the text and its terminator. The code of the memory partition.
-std::uint32_t copy_to_scratch(pool_block &scratch, const char *text, std::size_t length) {
-    const std::uint32_t code = scratch.take(std::uint64_t{length} + 1);
-    if (code == 0) {
-        std::memcpy(scratch.as<char>(), text, length + 1);
-    }
-    return code;
-}
-
 } // namespace
 
 std::uint32_t qry_lib_sql_parser::trim_space_front_rear(unsigned char mode, char *text) const {
@@ -51,7 +43,7 @@ std::uint32_t qry_lib_sql_parser::trim_space_front_rear(unsigned char mode, char
     }
     const std::size_t length = std::strlen(text);
     pool_block scratch;
-    if (copy_to_scratch(scratch, text, length) != 0) {
+    if (scratch.take_text({text, length}) != 0) {
         return trace_return(__func__, 2331, QRY_LIB_NO_MEMORY);
     }
     const span rest = without_outer_blanks(mode, scratch.as<char>(), length);
@@ -62,7 +54,7 @@ std::uint32_t qry_lib_sql_parser::trim_space_front_rear(unsigned char mode, char
 
 std::uint32_t qry_lib_sql_parser::trim_space_front_rear(unsigned char mode, std::string &text) const {
     pool_block scratch;
-    if (copy_to_scratch(scratch, text.c_str(), text.size()) != 0) {
+    if (scratch.take_text(text) != 0) {
         return trace_return(__func__, 2403, QRY_LIB_NO_MEMORY);
     }
     if (text.find(blank) == std::string::npos) {
@@ -78,9 +70,8 @@ bool qry_lib_sql_parser::trimmed(std::string &text) const {
 }
 
 std::uint32_t qry_lib_sql_parser::trim_space_all(char *text) const {
-    const std::size_t length = std::strlen(text);
     pool_block scratch;
-    if (copy_to_scratch(scratch, text, length) != 0) {
+    if (scratch.take_text(text) != 0) {
         return trace_return(__func__, 2278, QRY_LIB_NO_MEMORY);
     }
     char *out = text;
@@ -114,27 +105,31 @@ std::uint32_t qry_lib_sql_parser::get_keyword_num(const char *text, const char *
 std::uint32_t qry_lib_sql_parser::divide_keyword(const char *text, const char *keyword, unsigned int &count,
                                                  std::vector<std::string> &pieces) const {
     count = 0;
-    const std::size_t length = std::strlen(text);
-    pool_block scratch;
-    if (copy_to_scratch(scratch, text, length) != 0) {
+    pool_block scratch; // the text may lie in a piece that moves
+    if (scratch.take_text(text) != 0) {
         return trace_return(__func__, 1063, QRY_LIB_NO_MEMORY);
     }
-    const std::size_t keyword_length = std::strlen(keyword);
-    const char *rest = scratch.as<char>();
-    const char *const end = rest + length;
-    while (const char *at = std::strstr(rest, keyword)) {
-        if (count == 0) {
-            pieces.reserve(pieces.size() + 2); // most texts are cut in two
-        }
-        pieces.emplace_back(rest, at);
-        ++count;
-        rest = at + keyword_length;
+    text_pieces split(scratch.as<char>(), keyword);
+    std::string_view piece;
+    split.next(piece);
+    if (split.at_end()) {
+        return 0;
     }
-    if (count > 0) {
-        pieces.emplace_back(rest, end);
+    pieces.reserve(pieces.size() + 2); // most texts are cut in two
+    do {
+        pieces.emplace_back(piece);
         ++count;
-    }
+    } while (split.next(piece));
     return 0;
+}
+
+bool qry_lib_sql_parser::can_divide(const char *text) const {
+    pool_block scratch;
+    if (scratch.take(std::uint64_t{std::strlen(text)} + 1) != 0) {
+        trace_return("divide_keyword", 1063, QRY_LIB_NO_MEMORY);
+        return false;
+    }
+    return true;
 }
 
 qry_lib_sql_parser::search_result qry_lib_sql_parser::find_two_keyword(const char *text, const char *first,
@@ -151,11 +146,9 @@ qry_lib_sql_parser::search_result qry_lib_sql_parser::find_two_keyword(const cha
     }
     // A blank in front lets the second keyword, which begins with one, match right behind the first.
     pool_block scratch;
-    if (scratch.take(std::uint64_t{at_first[1].size()} + 2) != 0) {
+    if (scratch.take_text(at_first[1], " ") != 0) {
         return {found::no_memory, trace_return(name, 1145, QRY_LIB_NO_MEMORY), count};
     }
-    scratch.as<char>()[0] = blank;
-    std::memcpy(scratch.as<char>() + 1, at_first[1].c_str(), at_first[1].size() + 1);
 
     std::vector<std::string> at_second;
     const bool no_memory = divide_keyword(scratch.as<char>(), second, count, at_second) != 0;
@@ -195,7 +188,7 @@ qry_lib_sql_parser::search_result qry_lib_sql_parser::find_where(const char *tex
     }
     // The condition is handed on as written; only a copy of it is trimmed.
     pool_block condition;
-    if (copy_to_scratch(condition, parts[1].c_str(), parts[1].size()) != 0) {
+    if (condition.take_text(parts[1]) != 0) {
         return {found::no_memory, trace_return("divide_where_str", 1465, QRY_LIB_NO_MEMORY), count};
     }
     if (trim_space_front_rear(trim_both, condition.as<char>()) != 0 ||
@@ -224,7 +217,7 @@ std::uint32_t qry_lib_sql_parser::trim_single_q_str(std::string &value, int *quo
         return 0;
     }
     pool_block scratch;
-    if (copy_to_scratch(scratch, value.c_str(), value.size()) != 0) {
+    if (scratch.take_text(value) != 0) {
         return trace_return(__func__, 2485, QRY_LIB_NO_MEMORY);
     }
     const std::size_t last = value.rfind('\'');
@@ -241,7 +234,7 @@ std::uint32_t qry_lib_sql_parser::trim_bracket_str(std::string &value) const {
         return QRY_LIB_NOT_ACCEPTED;
     }
     pool_block scratch;
-    if (copy_to_scratch(scratch, value.c_str(), value.size()) != 0) {
+    if (scratch.take_text(value) != 0) {
         return trace_return(__func__, 2584, QRY_LIB_NO_MEMORY);
     }
     // Runs of brackets are dropped at both ends; they are not matched against each other. Both runs end

@@ -1,8 +1,8 @@
 // WHERE: a flat list of comparisons, joined all by AND or all by OR.
-#include <algorithm>
 #include <cstring>
 
 #include "parser/qry_lib_sql_parser.h"
+#include "parser/text_pieces.h"
 #include "util/bounded_text.h"
 #include "util/pool_block.h"
 #include "util/trace.h"
@@ -97,16 +97,19 @@ std::uint32_t add_list(const qry_lib_sql_parser &parser, const comparison &compa
     if (parser.trim_bracket_str(list) != 0) {
         return refuse(1315);
     }
-    std::vector<std::string> elements;
-    unsigned int count = 0;
-    if (parser.divide_keyword(list.c_str(), ",", count, elements) != 0) {
+    if (!parser.can_divide(list.c_str())) {
         return refuse(1322);
     }
-    if (count == 0) {
+    unsigned int comma_num = 0;
+    parser.get_keyword_num(list.c_str(), ",", comma_num);
+    if (comma_num == 0) {
         return add_value(parser, compared, list, lone_element, info);
     }
-    info.reserve_filter_cols(std::min<std::size_t>(info.get_filter_cols_num() + elements.size(), UINT16_MAX));
-    for (std::string &element : elements) {
+    info.expect_filter_cols(std::size_t{info.get_filter_cols_num()} + comma_num + 1);
+    text_pieces elements(list.c_str(), ",");
+    std::string element;
+    for (std::string_view piece; elements.next(piece);) {
+        element = piece;
         if (const std::uint32_t code = add_value(parser, compared, element, list_element, info); code != 0) {
             return code;
         }
@@ -131,15 +134,14 @@ std::uint32_t qry_lib_sql_parser::set_filter_str(const char *where_text, qry_lib
         }
         return 0;
     }
-    const QRY_LIB_JOIN_TYPE join = and_num > 0 ? QRY_LIB_JOIN_TYPE_AND : QRY_LIB_JOIN_TYPE_OR;
-    std::vector<std::string> conditions;
-    unsigned int count = 0;
-    if (divide_keyword(where_text, and_num > 0 ? " AND " : " OR ", count, conditions) != 0 || count < 2) {
+    if (!can_divide(where_text)) {
         return trace_return(__func__, 1552, QRY_LIB_NOT_ACCEPTED);
     }
-    info.reserve_filter_cols(std::min<std::size_t>(conditions.size(), UINT16_MAX));
-    for (const std::string &condition : conditions) {
-        if (divide_operate(condition.c_str(), static_cast<unsigned char>(join), info) != 0) {
+    const QRY_LIB_JOIN_TYPE join = and_num > 0 ? QRY_LIB_JOIN_TYPE_AND : QRY_LIB_JOIN_TYPE_OR;
+    info.expect_filter_cols(std::size_t{and_num} + or_num + 1);
+    text_pieces conditions(where_text, and_num > 0 ? " AND " : " OR ");
+    for (std::string_view condition; conditions.next(condition);) {
+        if (add_condition(condition, join, info) != 0) {
             return trace_return(__func__, 1561, QRY_LIB_NOT_ACCEPTED);
         }
     }
@@ -148,13 +150,16 @@ std::uint32_t qry_lib_sql_parser::set_filter_str(const char *where_text, qry_lib
 
 std::uint32_t qry_lib_sql_parser::divide_operate(const char *condition, unsigned char join,
                                                  qry_lib_analyze_info &info) const {
-    const std::size_t length = std::strlen(condition);
+    return add_condition(condition, static_cast<QRY_LIB_JOIN_TYPE>(join), info);
+}
+
+std::uint32_t qry_lib_sql_parser::add_condition(std::string_view condition, QRY_LIB_JOIN_TYPE join,
+                                                qry_lib_analyze_info &info) const {
     pool_block scratch;
-    if (scratch.take(std::uint64_t{length} + 1) != 0) {
+    if (scratch.take_text(condition) != 0) {
         return trace_return(function_name, 1235, QRY_LIB_NO_MEMORY);
     }
     const char *text = scratch.as<char>();
-    std::memcpy(scratch.as<char>(), condition, length + 1);
     const operator_place place = find_operator(text);
     if (place.row == nullptr) {
         return refuse(1271);
@@ -163,7 +168,7 @@ std::uint32_t qry_lib_sql_parser::divide_operate(const char *condition, unsigned
         return refuse(1257);
     }
     std::string column(text, place.at);
-    std::string value(place.at + std::strlen(place.row->text), text + length);
+    std::string value(place.at + std::strlen(place.row->text), text + condition.size());
     if (!trimmed(column)) {
         return refuse(1294);
     }
@@ -173,8 +178,7 @@ std::uint32_t qry_lib_sql_parser::divide_operate(const char *condition, unsigned
     case QRY_LIB_OPERATION_TYPE_INLIKE:
         return add_list(*this, {column, QRY_LIB_OPERATION_TYPE_LIKE, QRY_LIB_JOIN_TYPE_OR}, value, info);
     default:
-        return add_value(*this, {column, place.row->operation, static_cast<QRY_LIB_JOIN_TYPE>(join)}, value,
-                         plain_value, info);
+        return add_value(*this, {column, place.row->operation, join}, value, plain_value, info);
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <string_view>
 
 namespace norvane {
 
@@ -29,6 +30,13 @@ void copy_bounded(char *out, const char *text) {
 template <std::size_t Size>
 void copy_bounded(char (&array)[Size], const char *text) {
     copy_bounded<Size - 1>(static_cast<char *>(array), text);
+}
+
+template <std::size_t Size>
+void copy_bounded(char (&array)[Size], std::string_view text) {
+    const std::size_t length = text.size() < Size ? text.size() : Size - 1;
+    std::memmove(array, text.data(), length);
+    array[length] = '\0';
 }
 
 } // namespace norvane

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 #include <utility>
 
 #include "platform/os.h"
@@ -50,6 +51,18 @@ class pool_block {
         return code;
     }
 
+    // Takes a copy of a text with its terminator, and of what is to stand in front of it.
+    std::uint32_t take_text(std::string_view text, std::string_view before = "") {
+        const std::uint32_t code = take(std::uint64_t{before.size()} + text.size() + 1);
+        if (code == 0) {
+            char *const copy = as<char>();
+            std::memcpy(copy, before.data(), before.size());
+            std::memcpy(copy + before.size(), text.data(), text.size());
+            copy[before.size() + text.size()] = '\0';
+        }
+        return code;
+    }
+
     template <typename T>
     T *as() const {
         return static_cast<T *>(block_);
@@ -58,7 +71,7 @@ class pool_block {
     // Hands the block to an owner by contract (a public record).
     void *release() { return std::exchange(block_, nullptr); }
 
-  private:
+    // Gives the block back before its owner goes, where a trace is to come behind it.
     void give_back() {
         if (block_ != nullptr) {
             pfwOSWOrgFreeMemPart(0, block_);
@@ -66,6 +79,7 @@ class pool_block {
         }
     }
 
+  private:
     void *block_ = nullptr;
 };
 

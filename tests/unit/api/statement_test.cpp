@@ -37,10 +37,25 @@ TEST_F(statement, get_stmt_refuses_null_and_over_long) {
     EXPECT_EQ(qry_lib_db_get_stmt(nullptr, &stmt), QRY_LIB_INVALID_ARGUMENT);
     EXPECT_EQ(qry_lib_db_get_stmt("adbk_db", nullptr), QRY_LIB_INVALID_ARGUMENT);
     EXPECT_EQ(qry_lib_db_get_stmt(std::string(256, 'd').c_str(), &stmt), QRY_LIB_INVALID_ARGUMENT);
-    EXPECT_STREQ(stmt.db_name, "adbk_db");
     EXPECT_EQ(take_codes(), codes(3, {"qry_lib_db_wrapper_get_stmt", QRY_LIB_INVALID_ARGUMENT}));
     EXPECT_EQ(qry_lib_db_get_stmt(std::string(255, 'd').c_str(), &stmt), 0u);
     EXPECT_EQ(std::strlen(stmt.db_name), 255u);
+}
+
+// A caller who does not look at the code may set and end the record all the same.
+TEST_F(statement, a_refused_get_stmt_leaves_an_initialised_record) {
+    const std::string too_long(256, 'd');
+    for (const char *name : {static_cast<const char *>(nullptr), too_long.c_str()}) {
+        qry_lib_db_stmt_ refused_stmt;
+        std::memset(&refused_stmt, 0xA5, sizeof refused_stmt);
+        EXPECT_EQ(qry_lib_db_get_stmt(name, &refused_stmt), QRY_LIB_INVALID_ARGUMENT);
+        const qry_lib_db_stmt_ initialised{};
+        EXPECT_EQ(std::memcmp(&refused_stmt, &initialised, sizeof initialised), 0);
+        qry_lib_db_stmt_set_table_name(&refused_stmt, "PSN_TBL");
+        EXPECT_STREQ(refused_stmt.table_name, "PSN_TBL");
+        qry_lib_db_stmt_term(&refused_stmt);
+    }
+    EXPECT_EQ(take_codes(), codes(2, {"qry_lib_db_wrapper_get_stmt", QRY_LIB_INVALID_ARGUMENT}));
 }
 
 TEST_F(statement, first_table_name_wins) {

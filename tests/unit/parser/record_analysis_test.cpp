@@ -201,8 +201,18 @@ TEST_F(record_analysis, columns_that_were_counted_but_never_set_have_no_names) {
     }
 }
 
-TEST_F(record_analysis, a_negative_column_count_is_no_columns) {
-    for (const std::uint32_t type : {insert, update, select_rows}) {
+TEST_F(record_analysis, a_negative_column_count_selects_nothing) {
+    for (const std::int32_t count : {-1, INT32_MIN}) {
+        for (const texts &uncounted : {texts{}, texts{"COUNT(*)"}}) {
+            set(select_rows, "T", uncounted);
+            stmt.record.col_num = count;
+            expect_refused({at("analyze_param_select", 668)});
+        }
+    }
+}
+
+TEST_F(record_analysis, a_negative_column_count_changes_no_columns) {
+    for (const std::uint32_t type : {insert, update}) {
         for (const std::int32_t count : {-1, INT32_MIN}) {
             SCOPED_TRACE(type);
             // A name that is not counted is not looked at either.
