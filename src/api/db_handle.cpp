@@ -173,8 +173,10 @@ std::int32_t dsql_db_handle_delete(void) {
     if (*link == nullptr) {
         return no_entry;
     }
-    const pool_block gone(*link);
-    *link = (*link)->next;
+    {
+        const pool_block gone(*link);
+        *link = (*link)->next;
+    }
     if (*registry.head_cell == nullptr) {
         dismantle();
     }

@@ -48,21 +48,24 @@ class qry_lib_db_rowset_lib {
     }
 };
 
-// A rowset of a call's own, released when the call ends.
-class scoped_rowset {
+// Releases a rowset, unless it is handed to another owner first.
+class rowset_guard {
   public:
-    scoped_rowset() = default;
-    scoped_rowset(const scoped_rowset &) = delete;
-    scoped_rowset &operator=(const scoped_rowset &) = delete;
-    ~scoped_rowset() { qry_lib_db_rowset_lib().delete_rowset(rowset_); }
-
-    qry_lib_db_rowset_ &get() { return rowset_; }
-
-    // Hands the rows to another owner.
-    qry_lib_db_rowset_ release();
+    explicit rowset_guard(qry_lib_db_rowset_ &rowset) : rowset_(&rowset) {}
+    rowset_guard(const rowset_guard &) = delete;
+    rowset_guard &operator=(const rowset_guard &) = delete;
+    ~rowset_guard() {
+        if (rowset_ != nullptr) {
+            qry_lib_db_rowset_lib().delete_rowset(*rowset_);
+        }
+    }
+    void release() { rowset_ = nullptr; }
 
   private:
-    qry_lib_db_rowset_ rowset_{0, nullptr, -1};
+    qry_lib_db_rowset_ *rowset_;
 };
+
+// What a call's own rowset begins as.
+constexpr qry_lib_db_rowset_ empty_rowset = {0, nullptr, -1};
 
 } // namespace norvane

@@ -9,6 +9,7 @@
 #include "util/bounded_text.h"
 #include "util/trace.h"
 
+using norvane::empty_rowset;
 using norvane::fits;
 using norvane::qry_lib_analyze_info;
 using norvane::qry_lib_analyze_link_info;
@@ -16,7 +17,7 @@ using norvane::qry_lib_db_executer;
 using norvane::qry_lib_db_rowset_lib;
 using norvane::qry_lib_db_rowset_link_lib;
 using norvane::qry_lib_sql_parser;
-using norvane::scoped_rowset;
+using norvane::rowset_guard;
 using norvane::trace_return;
 
 namespace {
@@ -29,8 +30,25 @@ std::uint32_t run(const qry_lib_analyze_info &info, qry_lib_db_rowset_ &rowset) 
     return static_cast<std::uint32_t>(qry_lib_db_executer().exec(info, rowset));
 }
 
-// Runs each table's query into a rowset of its own and joins them. The link model gives the rows back when it
-// goes.
+// Runs each table's query into a rowset of its own, which the link model takes over.
+std::uint32_t run_parts(const qry_lib_analyze_info &info, qry_lib_analyze_link_info &link_info) {
+    for (std::uint16_t i = 0; i < info.get_table_num(); ++i) {
+        qry_lib_analyze_info per_table;
+        qry_lib_db_rowset_ part = empty_rowset;
+        rowset_guard guard(part);
+        std::uint32_t code = link_info.get_analyze_info(i, per_table);
+        if (code == 0) {
+            code = run(per_table, part);
+        }
+        if (code != 0) {
+            return code;
+        }
+        link_info.add_rowset(part);
+        guard.release();
+    }
+    return 0;
+}
+
 std::uint32_t run_linked(const char *function, qry_lib_analyze_info &info, qry_lib_db_rowset_ &target) {
     qry_lib_analyze_link_info link_info;
     if (const std::uint32_t code = qry_lib_sql_parser().analyze_sql_select_link(info, link_info); code != 0) {
@@ -39,21 +57,12 @@ std::uint32_t run_linked(const char *function, qry_lib_analyze_info &info, qry_l
     if (link_info.get_analyze_info_num() != info.get_table_num()) {
         return trace_return(function, __LINE__, QRY_LIB_FAILURE);
     }
-    for (std::uint16_t i = 0; i < info.get_table_num(); ++i) {
-        qry_lib_analyze_info per_table;
-        scoped_rowset part;
-        std::uint32_t code = link_info.get_analyze_info(i, per_table);
-        if (code == 0) {
-            code = run(per_table, part.get());
-        }
-        if (code != 0) {
-            return trace_return(function, __LINE__, code);
-        }
-        link_info.add_rowset(part.get());
-        part.release();
+    std::uint32_t code = run_parts(info, link_info);
+    if (code == 0) {
+        code = static_cast<std::uint32_t>(qry_lib_db_rowset_link_lib().link_rowset(link_info, target));
     }
-    const int code = qry_lib_db_rowset_link_lib().link_rowset(link_info, target);
-    return code == 0 ? 0 : trace_return(function, __LINE__, static_cast<std::uint32_t>(code));
+    link_info.all_clear();
+    return code == 0 ? 0 : trace_return(function, __LINE__, code);
 }
 
 // The answer to a COUNT: one row, one column, the number of rows found.
@@ -63,12 +72,13 @@ std::uint32_t store_count(const char *function, std::uint16_t row_num, qry_lib_d
     if (rows.init_rowset(1, 1, rowset) != 0) {
         return trace_return(function, __LINE__, QRY_LIB_ROWSET_NOT_CREATED);
     }
+    rowset_guard unfinished(rowset);
     column.value.uint_value = row_num;
     column.type = QRY_LIB_COLUMN_TYPE_UINT;
     if (rows.next_record_index(rowset) == 0 || rows.set_col(rowset, 0, column) != 0) {
-        rows.delete_rowset(rowset);
         return trace_return(function, __LINE__, QRY_LIB_ROWSET_NOT_FILLED);
     }
+    unfinished.release();
     rows.first_record_index(rowset);
     return 0;
 }
@@ -80,11 +90,12 @@ std::uint32_t run_into(const char *function, qry_lib_analyze_info &info, qry_lib
     if (info.get_exec_type() != QRY_LIB_DB_QUERY_TYPE_COUNT) {
         return runner(function, info, rowset);
     }
-    scoped_rowset counted;
-    if (const std::uint32_t code = runner(function, info, counted.get()); code != 0) {
+    qry_lib_db_rowset_ counted = empty_rowset;
+    const rowset_guard guard(counted);
+    if (const std::uint32_t code = runner(function, info, counted); code != 0) {
         return code;
     }
-    return store_count(function, qry_lib_db_rowset_lib().get_record_num(counted.get()), rowset);
+    return store_count(function, qry_lib_db_rowset_lib().get_record_num(counted), rowset);
 }
 
 std::uint32_t run_single(const char *function, qry_lib_analyze_info &info, qry_lib_db_rowset_ &target) {

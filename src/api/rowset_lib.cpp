@@ -1,6 +1,5 @@
 // Rowset storage and cursor.
 #include <cstring>
-#include <utility>
 
 #include "api/qry_lib_db_rowset_lib.h"
 #include "util/pool_block.h"
@@ -38,6 +37,7 @@ std::uint32_t qry_lib_db_rowset_lib::init_rowset(std::uint16_t col_num, std::uin
         pool_block columns;
         if (columns.take(col_num, sizeof(QRY_LIB_COLUMN)) != 0) {
             free_columns(records, row);
+            rows.give_back();
             return trace_return(__func__, __LINE__, QRY_LIB_NO_MEMORY);
         }
         records[row].col_num = col_num;
@@ -101,10 +101,6 @@ std::uint32_t qry_lib_db_rowset_lib::next_record_index(qry_lib_db_rowset_ &rowse
     }
     ++rowset.current;
     return 1;
-}
-
-qry_lib_db_rowset_ scoped_rowset::release() {
-    return std::exchange(rowset_, qry_lib_db_rowset_{0, nullptr, -1});
 }
 
 } // namespace norvane

@@ -58,6 +58,41 @@ std::uint32_t first_gap(qry_lib_db_rowset_ *rowset, std::uint32_t min_id) {
     return candidate;
 }
 
+// A step's code, and the line of the step when it failed.
+struct outcome {
+    std::uint32_t code;
+    int line;
+};
+
+// The statement and the rowset are given back before a failure is traced.
+outcome find_unused_id(const qry_lib_db_unused_id_param_ &param, std::uint32_t &id) {
+    query_records query;
+    if (const auto code = qry_lib_db_wrapper_get_stmt(param.db_name, &query.stmt); code != 0) {
+        return {code, __LINE__};
+    }
+    char sql[query_size] = {};
+    if (!format_query(sql, param)) {
+        return {QRY_LIB_FAILURE, __LINE__};
+    }
+    if (const auto code = qry_lib_db_wrapper_exec_query(&query.stmt, sql, &query.rowset); code != 0) {
+        return {code, __LINE__};
+    }
+    const std::uint16_t row_num = qry_lib_db_wrapper_rowset_get_row_num(&query.rowset);
+    if (row_num == 0) {
+        id = param.min_id;
+        return {0, 0};
+    }
+    if (row_num >= param.max_count) {
+        return {QRY_LIB_NO_FREE_ENTRY, __LINE__};
+    }
+    const std::uint32_t candidate = first_gap(&query.rowset, param.min_id);
+    if (candidate > param.max_id) {
+        return {QRY_LIB_NO_FREE_ENTRY, __LINE__};
+    }
+    id = candidate;
+    return {0, 0};
+}
+
 } // namespace
 
 extern "C" {
@@ -67,31 +102,8 @@ std::uint32_t qry_lib_db_wrapper_get_unused_id(const qry_lib_db_unused_id_param_
     if (!is_complete(param) || id_out == nullptr || !within_kind(param->id_kind, param->max_id)) {
         return trace_return(__func__, __LINE__, QRY_LIB_INVALID_ARGUMENT);
     }
-    query_records query;
-    if (const auto code = qry_lib_db_wrapper_get_stmt(param->db_name, &query.stmt); code != 0) {
-        return trace_return(__func__, __LINE__, code);
-    }
-    char sql[query_size] = {};
-    if (!format_query(sql, *param)) {
-        return trace_return(__func__, __LINE__, QRY_LIB_FAILURE);
-    }
-    if (const auto code = qry_lib_db_wrapper_exec_query(&query.stmt, sql, &query.rowset); code != 0) {
-        return trace_return(__func__, __LINE__, code);
-    }
-    const std::uint16_t row_num = qry_lib_db_wrapper_rowset_get_row_num(&query.rowset);
-    if (row_num == 0) {
-        *id_out = param->min_id;
-        return 0;
-    }
-    if (row_num >= param->max_count) {
-        return trace_return(__func__, __LINE__, QRY_LIB_NO_FREE_ENTRY);
-    }
-    const std::uint32_t candidate = first_gap(&query.rowset, param->min_id);
-    if (candidate > param->max_id) {
-        return trace_return(__func__, __LINE__, QRY_LIB_NO_FREE_ENTRY);
-    }
-    *id_out = candidate;
-    return 0;
+    const outcome found = find_unused_id(*param, *id_out);
+    return found.code == 0 ? 0 : trace_return(__func__, found.line, found.code);
 }
 
 } // extern "C"

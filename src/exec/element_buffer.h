@@ -17,7 +17,8 @@ class element_buffer {
     const char *data() const { return bytes_; }
     const char *at(std::size_t offset) const { return bytes_ + offset; }
 
-    // Clears `size` bytes at `offset` and a terminator behind them: what the next read fills.
+    // Clears `size` bytes at `offset` and a terminator behind them. A platform may hold less of a value than
+    // the schema says, and write no end to it: what a read leaves alone must be zero.
     void clear(std::size_t offset, std::size_t size) {
         if (size < sizeof(std::uint64_t)) {
             std::memset(bytes_ + offset, 0, sizeof(std::uint64_t)); // one store, for the numbers
@@ -25,10 +26,7 @@ class element_buffer {
             std::memset(bytes_ + offset, 0, size + 1);
         }
     }
-    void clear(const QRY_LIB_ELEMENT_INFO &info) { clear(0, std::size_t{info.member_offset} + info.size); }
-
-    // Clears so much that a value which is not written is a zero or the empty string.
-    void clear_start(const QRY_LIB_ELEMENT_INFO &info) { clear(info.member_offset, sizeof(std::uint32_t)); }
+    void clear(const QRY_LIB_ELEMENT_INFO &info) { clear(info.member_offset, info.size); }
     void clear() { std::memset(bytes_, 0, sizeof bytes_); }
 
   private:

@@ -224,6 +224,7 @@ int qry_lib_db_executer::create_search_table_id(unsigned int category, filter_ke
     const std::uint32_t code = qry_lib_tb_create_search_table_id(
         category, static_cast<std::uint16_t>(keys.size()), array, &id, &record_num);
     if (code != 0) {
+        block.give_back();
         trace_return(__func__, 1448, QRY_LIB_INVALID_ARGUMENT);
         return static_cast<int>(code);
     }

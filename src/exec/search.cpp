@@ -8,7 +8,6 @@
 
 #include "exec/element_buffer.h"
 #include "platform/element_table.h"
-#include "platform/os.h"
 #include "util/bounded_text.h"
 #include "util/pool_block.h"
 #include "util/tb_string.h"
@@ -164,12 +163,11 @@ class search_key {
           range_(key.operation, width_ != 0 ? load_number(key.value, width_) : std::uint32_t{same}),
           cleared_(key.cmp_size) {
         if (is_string_element(key.elem_type)) {
-            // The platform writes a column of the schema whole or not at all. Of anything else the size is
-            // not known: it may be as large as any value.
+            // What the schema does not know may be as large as any value.
             constexpr std::uint32_t largest = sizeof(QRY_LIB_COLUMN_VALUE);
             const std::uint32_t end = find_value_end(category, key);
             value_end_ = end != 0 ? end : largest;
-            cleared_ = end != 0 ? 1 : largest - key.member_offset;
+            cleared_ = value_end_ - key.member_offset;
         }
         if (key.operation == QRY_LIB_OPERATION_TYPE_LIKE) {
             prefix_length_ = static_cast<std::uint32_t>(std::strlen(key.value));
@@ -236,7 +234,13 @@ class search_keys {
     }
     search_keys(const search_keys &) = delete;
     search_keys &operator=(const search_keys &) = delete;
-    ~search_keys() { delete_lists(); }
+    ~search_keys() { close(); }
+
+    // Deletes the lists; the keys are gone with them.
+    void close() {
+        delete_lists();
+        keys_.clear();
+    }
 
     std::vector<search_key>::iterator begin() { return keys_.begin(); }
     std::vector<search_key>::iterator end() { return keys_.end(); }
@@ -288,11 +292,8 @@ std::uint32_t check_arguments(std::uint16_t key_num, const qry_lib_tb_list_filte
     return 0;
 }
 
-void free_records(qry_lib_tb_search_id *search_id) {
-    if (*search_id != 0) {
-        pfwOSWOrgFreeMemPart(0, reinterpret_cast<void *>(*search_id));
-        *search_id = 0;
-    }
+void free_records(qry_lib_tb_search_id search_id) {
+    const pool_block records(reinterpret_cast<void *>(search_id));
 }
 
 } // namespace
@@ -340,7 +341,9 @@ uint32_t qry_lib_tb_create_search_table_id(uint32_t category, uint16_t key_num,
             break;
         case row_result::failure:
             // What goes back is the block that the caller's id names; the search's own stays lost.
-            free_records(search_id);
+            free_records(*search_id);
+            prepared.close();
+            *search_id = 0;
             block.release();
             return trace_return(search_name, 452, QRY_LIB_TABLE_ACCESS);
         }
@@ -352,7 +355,8 @@ uint32_t qry_lib_tb_create_search_table_id(uint32_t category, uint16_t key_num,
 
 void qry_lib_tb_delete_search_table_id(qry_lib_tb_search_id *search_id) {
     if (search_id != nullptr) {
-        free_records(search_id);
+        free_records(*search_id);
+        *search_id = 0;
     }
 }
 

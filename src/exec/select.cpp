@@ -11,23 +11,6 @@ namespace norvane {
 
 namespace {
 
-// Frees a rowset that is not filled to its end, also when an exception passes.
-class unfinished_rowset {
-  public:
-    explicit unfinished_rowset(qry_lib_db_rowset_ &rowset) : rowset_(&rowset) {}
-    unfinished_rowset(const unfinished_rowset &) = delete;
-    unfinished_rowset &operator=(const unfinished_rowset &) = delete;
-    ~unfinished_rowset() {
-        if (rowset_ != nullptr) {
-            qry_lib_db_rowset_lib().delete_rowset(*rowset_);
-        }
-    }
-    void finish() { rowset_ = nullptr; }
-
-  private:
-    qry_lib_db_rowset_ *rowset_;
-};
-
 bool is_sorted(qry_lib_analyze_info const &info) {
     char column[QRY_LIB_COLUMN_NAME_MAX + 1];
     QRY_LIB_ODER_TYPE order;
@@ -89,7 +72,7 @@ int qry_lib_db_executer::exec_select_proc(qry_lib_analyze_info const &info, reco
     if (qry_lib_db_rowset_lib().init_rowset(info.get_cols_num(), row_num, rowset) != 0) {
         return trace_code(__func__, 380, QRY_LIB_ROWSET_NOT_CREATED);
     }
-    unfinished_rowset unfinished(rowset);
+    rowset_guard unfinished(rowset);
     if (is_sorted(info)) {
         if (const int code = sort_records(info, records); code != 0) {
             return trace_code(__func__, 387, code);
@@ -102,7 +85,7 @@ int qry_lib_db_executer::exec_select_proc(qry_lib_analyze_info const &info, reco
     if (const int code = read_rows(columns, info.get_table(), records, rowset); code != 0) {
         return code;
     }
-    unfinished.finish();
+    unfinished.release();
     return 0;
 }
 
@@ -138,7 +121,7 @@ int qry_lib_db_executer::read_rows(target_columns const &columns, const char *ta
         std::uint16_t index = 0;
         for (const target_column &selected : columns) {
             const QRY_LIB_ELEMENT_INFO &element = selected.element;
-            buffer.clear_start(element);
+            buffer.clear(element);
             const std::uint32_t code =
                 qry_lib_tb_get_stc_table(element.category_id, record, element.element_id, buffer.data());
             if (code != 0) {

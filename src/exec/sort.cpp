@@ -88,7 +88,7 @@ int qry_lib_db_executer::sort_internal(void **items, std::uint32_t count, QRY_LI
     char *item = block;
     for (const unsigned short record : records) {
         *next++ = item;
-        buffer.clear_start(element);
+        buffer.clear(element);
         const std::uint32_t code =
             qry_lib_tb_get_stc_table(element.category_id, record, element.element_id, buffer.data());
         if (code != 0) {

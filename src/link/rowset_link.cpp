@@ -240,12 +240,13 @@ int qry_lib_db_rowset_link_lib::covert_rowset(QRY_LIB_ROWSET_LINK &rows,
     if (lib.init_rowset(col_num, row_num, rowset) != 0) {
         return refuse(__func__, 565);
     }
+    rowset_guard unfinished(rowset);
     for (std::uint16_t row = 0; row < row_num; ++row) {
         if (const int line = fill_next_row(rows.records[row], link_info, col_num, rowset); line != 0) {
-            lib.delete_rowset(rowset);
             return refuse(__func__, line);
         }
     }
+    unfinished.release();
     lib.first_record_index(rowset);
     return 0;
 }

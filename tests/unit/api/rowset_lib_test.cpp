@@ -8,8 +8,9 @@
 
 namespace {
 
+using norvane::empty_rowset;
 using norvane::qry_lib_db_rowset_lib;
-using norvane::scoped_rowset;
+using norvane::rowset_guard;
 using test::number_column;
 using test::texts;
 
@@ -213,18 +214,19 @@ TEST_F(rowset_lib, the_row_count_is_16_bits_wide) {
     }
 }
 
-TEST_F(rowset_lib, a_scoped_rowset_gives_its_rows_back_or_hands_them_on) {
+TEST_F(rowset_lib, a_guard_gives_the_rows_back_unless_they_are_handed_on) {
     const std::uint32_t blocks = qryhost_pool_blocks();
+    qry_lib_db_rowset_ own = empty_rowset;
     {
-        scoped_rowset scoped;
-        ASSERT_EQ(lib.init_rowset(1, 2, scoped.get()), 0u);
+        const rowset_guard guard(own);
+        ASSERT_EQ(lib.init_rowset(1, 2, own), 0u);
     }
     EXPECT_EQ(qryhost_pool_blocks(), blocks);
+    EXPECT_EQ(own.record_num, 0);
     {
-        scoped_rowset scoped;
-        ASSERT_EQ(lib.init_rowset(1, 2, scoped.get()), 0u);
-        rowset = scoped.release();
-        EXPECT_EQ(scoped.get().record_num, 0);
+        rowset_guard guard(rowset);
+        ASSERT_EQ(lib.init_rowset(1, 2, rowset), 0u);
+        guard.release();
     }
     EXPECT_EQ(rowset.record_num, 2);
     EXPECT_EQ(qryhost_pool_blocks(), blocks + 3);
