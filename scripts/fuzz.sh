@@ -27,7 +27,7 @@ keep() {
     find "fuzz/corpus/$name" -type f -regextype posix-extended -regex '.*/[0-9a-f]{40}' -delete
     "$folder/fuzz_$name" -set_cover_merge=1 -use_counters=0 -max_len=1024 "$chosen" "$folder/found/$name" \
         >"$logs/$name.merge.log" 2>&1
-    find "$chosen" -type f -printf '%s %p\n' | sort -rn | head -n 20 | cut -d ' ' -f 2 |
+    find "$chosen" -type f -printf '%s %p\n' | sort -rn | awk 'NR <= 20 { print $2 }' |
         xargs -r cp -t "fuzz/corpus/$name"
     rm -r "$chosen"
 }

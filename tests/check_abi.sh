@@ -12,7 +12,7 @@ if [ ! -e "$promised" ]; then
     echo "skipped: abi/ holds nothing for the processor $2"
     exit 77
 fi
-if ! readelf -S "$library" | grep -q '\.debug_info'; then
+if [[ $(readelf -S "$library") != *.debug_info* ]]; then
     echo "skipped: the library was built without debug information"
     exit 77
 fi

@@ -12,4 +12,4 @@ if ! diff <(printf '%s\n' "$declared") <(printf '%s\n' "$exported"); then
     echo "exports (>) differ from declarations (<)" >&2
     exit 1
 fi
-readelf -d "$library" | grep -q 'Library soname: \[libqrylib.so.1\]' || { echo "wrong soname" >&2; exit 1; }
+[[ $(readelf -d "$library") == *"Library soname: [libqrylib.so.1]"* ]] || { echo "wrong soname" >&2; exit 1; }

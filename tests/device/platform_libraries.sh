@@ -16,7 +16,8 @@ trap 'rm -rf "$scratch"' EXIT
 cmake -S "$source" -B "$scratch" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$toolchain" -DCMAKE_CXX_COMPILER="$compiler" \
     -DQRYLIB_PLATFORM=device -DQRYLIB_PLATFORM_LIBRARIES="$platform" -DQRYLIB_BUILD_TESTS=OFF >/dev/null
 cmake --build "$scratch" --target qrylib >/dev/null
-readelf -d "$scratch/src/libqrylib.so.1" | grep -q "NEEDED.*\[$(basename "$platform" | grep -oE '^[^.]*\.so\.[0-9]+')\]"
+needed=$(basename "$platform" | grep -oE '^[^.]*\.so\.[0-9]+')
+grep -q "NEEDED.*\[$needed\]" <<<"$(readelf -d "$scratch/src/libqrylib.so.1")"
 
 "$source/tests/docs/run_program.sh" "$source/README.md" "$source/tests/docs/readme_program.out" "${program[@]}" \
     "$source/include" "$scratch/src/libqrylib.so" "$platform" "${emulator[@]}"

@@ -38,7 +38,7 @@ on() {
 same() {
     if ! cmp "$scratch/workstation/$2" "$scratch/device/$2"; then
         echo "$1 differs: $2"
-        diff -u "$scratch/workstation/$2" "$scratch/device/$2" | head -20 || true
+        diff -u "$scratch/workstation/$2" "$scratch/device/$2" | sed -n '1,20p' || true
         differences=$((differences + 1))
     fi
 }

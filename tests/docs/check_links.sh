@@ -22,7 +22,7 @@ while IFS= read -r page; do
         if [ ! -e "$path" ]; then
             echo "$page: ($target) leads nowhere" >&2
             wrong=1
-        elif [[ $target == *#* && $path == *.md ]] && ! fragments "$path" | grep -qxF "${target#*#}"; then
+        elif [[ $target == *#* && $path == *.md ]] && ! grep -qxF "${target#*#}" <<<"$(fragments "$path")"; then
             echo "$page: ($target): there is no such heading" >&2
             wrong=1
         fi

@@ -18,7 +18,7 @@ screen() { terminal capture-pane -p -J -t shell; }
 # Waits until the screen holds a line that matches; shows the screen and gives up after ten seconds.
 expect() {
     for _ in $(seq 200); do
-        if screen | grep -qE -- "$1"; then
+        if grep -qE -- "$1" <<<"$(screen)"; then
             return
         fi
         sleep 0.05
