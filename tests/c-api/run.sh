@@ -11,7 +11,8 @@ cxx_compiler=$4
 flags=$5
 toolchain=$6
 emulator=("${@:7}")
-callers=$sources/tests/c-api
+here=$sources/tests/c-api
+callers=$here/callers
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
@@ -23,7 +24,7 @@ quietly() {
 run_callers() {
     "${emulator[@]}" "$1/caller"
     for language in c cpp; do
-        "${emulator[@]}" "$1/people_$language" | diff "$callers/people.out" -
+        "${emulator[@]}" "$1/people_$language" | diff "$here/people.out" -
     done
 }
 

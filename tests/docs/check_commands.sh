@@ -32,7 +32,7 @@ check_built() {
     [ "$preset" = mydevice ] || grep -qF "\"name\": \"$preset\"" CMakePresets.json || missing "preset $preset"
     target=$(basename "$1")
     [ "$1" = "build/$preset" ] || [[ $target == *[A-Z]* ]] ||
-        sources "(add_executable\(|^) *$target\b" tests tools fuzz bench || missing "target $target"
+        sources "(add_executable\(|add_test_program\(|^) *$target\b" tests tools fuzz bench || missing "target $target"
 }
 
 check_word() {
