@@ -1,27 +1,70 @@
 #!/usr/bin/env bash
-# Keeps the house in order: which folder under src/ may include what, and where conditions on the machine stand.
+# Keeps the house in order: which folder may include what, and where conditions on the machine stand.
 set -euo pipefail
 cd "$1"
 
-# For each folder, what its quoted includes may begin with.
-declare -A allowed=(
-    [util]='util/|platform/[a-z_]*\.h'
-    [parser]='parser/|util/'
-    [exec]='exec/|util/|parser/qry_lib_analyze_info\.h|api/qry_lib_db_rowset_lib\.h|platform/[a-z_]*\.h|qrylib/'
-    [link]='link/|util/|parser/|exec/|api/qry_lib_db_rowset_lib\.h|qrylib/'
-    [api]='api/|util/|parser/|exec/|link/|platform/[a-z_]*\.h|qrylib/'
-)
+# For each folder, what its includes of the project's own headers may begin with. A folder without a row follows the
+# nearest one above it that has one.
+rules() {
+    cat <<'END'
+include                     qrylib/
+src/util                    util/ qrylib/ platform/[a-z_]*\.h
+src/parser                  parser/ util/ qrylib/
+src/exec                    exec/ util/ parser/qry_lib_analyze_info\.h api/qry_lib_db_rowset_lib\.h qrylib/ platform/[a-z_]*\.h
+src/link                    link/ exec/ parser/ util/ api/qry_lib_db_rowset_lib\.h qrylib/
+src/api                     api/ link/ exec/ parser/ util/ qrylib/ platform/[a-z_]*\.h
+platform                    platform/[a-z_]*\.h
+platform/host               platform/ exec/schema/ util/
+tools/platform_check        tools/platform_check/ platform/[a-z_]*\.h exec/schema/
+tools/text                  tools/text/ [a-z_]*\.inc qrytext/ qrylib/ api/ link/ exec/ parser/ util/ platform/host/qryhost\.h
+tools/qrysh                 tools/qrysh/ [a-z_]*\.inc tools/text/ qrytext/ qrylib/ link/ exec/ parser/ platform/host/qryhost\.h
+tools/field                 tools/field/ qrytext/ qrylib/ platform/host/qryhost\.h
+tools/files                 tools/files/ qrytext/ qrylib/ platform/host/qryhost\.h
+python                      qrytext/ qrylib/ platform/host/qryhost\.h
+web                         qrytext/ qrylib/ platform/host/qryhost\.h
+examples                    qrytext/ qrylib/
+bench                       [a-z_]*\.h qrylib/ exec/ platform/
+fuzz                        fuzz/ tools/text/ qrytext/ qrylib/ exec/ parser/ platform/
+tests                       exec/schema/
+tests/c-api                 qrytext/ qrylib/ platform/host/qryhost\.h
+tests/concurrency           concurrency/ unit/ qrylib/ platform/
+tests/device                qrylib/ platform/[a-z_]*\.h
+tests/fault                 fault/ unit/ qrylib/ platform/
+tests/oracle                oracle/ qrylib/ exec/schema/ platform/
+tests/other_schema          unit/ exec/schema/
+tests/platform_check        platform_check/ tools/platform_check/ platform/
+tests/unit                  unit/ tools/ qrytext/ qrylib/ api/ link/ exec/ parser/ util/ platform/
+END
+}
+
+own='["<](api|bench|concurrency|exec|fault|fuzz|link|oracle|parser|platform|platform_check|qrylib|qrytext|tests|tools|unit|util)/|"'
+machine='__BYTE_ORDER|__ORDER_|ENDIAN|_LP64|__SIZEOF|__x86|__i386|__powerpc|__arm|__aarch|__linux|__unix|_WIN'
+sources() { grep -rnE --include='*.h' --include='*.hpp' --include='*.c' --include='*.cpp' --exclude-dir=build "$@"; }
 wrong=$(
-    for folder in "${!allowed[@]}"; do
-        grep -rnE '^ *# *include "' "src/$folder" |
-            grep -vE "include \"(${allowed[$folder]})|qrylib/" || true
-    done
-    for folder in src/*/; do
-        [ -n "${allowed[$(basename "$folder")]:-}" ] || echo "$folder: no rule for this folder"
-    done
-    grep -rnE '^ *# *include .*(platform/host|tools)/' src include || true
-    grep -rnE '^ *# *(if|ifdef|ifndef|elif)\b.*(__BYTE_ORDER|__ORDER_|ENDIAN|_LP64|__SIZEOF|__x86|__i386|__powerpc|__arm|__aarch|__linux|__unix|_WIN)' \
-        src include tools tests 2>/dev/null | grep -v '^src/util/byte_order\.h' || true
+    { sources "^ *# *include +($own)" . || true; } | awk '
+        NR == FNR {
+            allowed[$1] = "^(" $2
+            for (i = 3; i <= NF; ++i) {
+                allowed[$1] = allowed[$1] "|" $i
+            }
+            allowed[$1] = allowed[$1] ")"
+            next
+        }
+        {
+            folder = substr($0, 3, index($0, ":") - 3)
+            do {
+                sub(/\/?[^\/]*$/, "", folder)
+            } while (folder != "" && !(folder in allowed))
+            header = $0
+            sub(/^[^"<]*["<]/, "", header)
+            if (folder == "") {
+                print $0 ": no rule for this folder"
+            } else if (header !~ allowed[folder]) {
+                print $0
+            }
+        }' <(rules) -
+    sources "^ *# *(if|ifdef|ifndef|elif)\b.*($machine)" . |
+        grep -vE '^\./(platform/|cmake/|src/util/byte_order\.h)' || true
 )
 if [ -n "$wrong" ]; then
     printf '%s\n' "$wrong" >&2
