@@ -1,50 +1,11 @@
 // The control calls over the store as a whole, and the sentence about the last one that failed.
 #include "platform/host/control.h"
 
-#include <cstdio>
 #include <vector>
 
 #include "platform/host/element_store.h"
 #include "platform/host/fixture.h"
 #include "platform/host/qryhost.h"
-
-namespace qryhost {
-
-namespace {
-
-// A fixed array: telling that memory ran out takes none.
-thread_local char error_sentence[1024] = "";
-
-} // namespace
-
-const char *required_path(const char *path) {
-    if (path == nullptr || *path == '\0') {
-        throw refusal("no file is named");
-    }
-    return path;
-}
-
-void set_error(const char *sentence) noexcept {
-    static_cast<void>(std::snprintf(error_sentence, sizeof error_sentence, "%s", sentence));
-}
-
-element_store &required_store() {
-    element_store *store = current_store();
-    if (store == nullptr) {
-        throw refusal(std::string(error_sentence));
-    }
-    return *store;
-}
-
-element_store &required_writable_store() {
-    element_store &store = required_store();
-    if (store.is_read_only()) {
-        throw refusal("the device image can only be read");
-    }
-    return store;
-}
-
-} // namespace qryhost
 
 extern "C" {
 
@@ -80,7 +41,7 @@ int qryhost_save(const char *json_path) {
 }
 
 const char *qryhost_error(void) {
-    return qryhost::error_sentence;
+    return qryhost::last_error();
 }
 
 } // extern "C"

@@ -2,21 +2,11 @@
 #pragma once
 
 #include <exception>
-#include <stdexcept>
-#include <string>
+#include <new>
+
+#include "platform/host/refusal.h"
 
 namespace qryhost {
-
-// A control call that is refused; what() is the sentence for the user.
-struct refusal : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
-// The path itself; throws `refusal` when none is given.
-const char *required_path(const char *path);
-
-// What qryhost_error() answers on this thread from now on.
-void set_error(const char *sentence) noexcept;
 
 // Runs a control call's work; no exception leaves it.
 template <typename Work>

@@ -103,6 +103,22 @@ element_store *open_on_first_use() noexcept {
     return store;
 }
 
+element_store &required_store() {
+    element_store *store = current_store();
+    if (store == nullptr) {
+        throw refusal(last_error());
+    }
+    return *store;
+}
+
+element_store &required_writable_store() {
+    element_store &store = required_store();
+    if (store.is_read_only()) {
+        throw refusal("the device image can only be read");
+    }
+    return store;
+}
+
 void open_store(const char *image_path) {
     std::unique_ptr<element_store> fresh = make_store(image_path);
     const guard hold(opening_lock);

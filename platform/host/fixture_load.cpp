@@ -3,7 +3,7 @@
 #include <cstring>
 #include <set>
 
-#include "platform/host/control.h"
+#include "platform/host/refusal.h"
 #include "platform/host/fixture.h"
 #include "platform/host/fixture_values.h"
 #include "platform/host/whole_file.h"

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/host/control.h"
+#include "platform/host/refusal.h"
 
 namespace qryhost {
 

@@ -9,7 +9,7 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/host/control.h"
+#include "platform/host/refusal.h"
 
 namespace qryhost {
 
