@@ -3,6 +3,9 @@
 
 #include <cstdlib>
 
+#include "platform/host/sanitizers.h"
+
+// Under the address sanitizer no block is kept, so that it sees what is used after it was given back.
 #if QRYHOST_UNDER_ADDRESS_SANITIZER
 #include <sanitizer/asan_interface.h>
 #else

@@ -6,15 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 
-// Under the address sanitizer no block is kept, so that it sees what is used after it was given back.
-#if defined(__SANITIZE_ADDRESS__)
-#define QRYHOST_UNDER_ADDRESS_SANITIZER 1
-#elif defined(__has_feature)
-#define QRYHOST_UNDER_ADDRESS_SANITIZER __has_feature(address_sanitizer)
-#else
-#define QRYHOST_UNDER_ADDRESS_SANITIZER 0
-#endif
-
 namespace qryhost {
 
 // One thread's. Any thread may give a block back: it is kept where it was given back.

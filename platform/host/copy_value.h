@@ -5,13 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
-#if defined(__SANITIZE_THREAD__)
-#define QRYHOST_UNDER_THREAD_SANITIZER 1
-#elif defined(__has_feature)
-#define QRYHOST_UNDER_THREAD_SANITIZER __has_feature(thread_sanitizer)
-#else
-#define QRYHOST_UNDER_THREAD_SANITIZER 0
-#endif
+#include "platform/host/sanitizers.h"
 
 namespace qryhost {
 
