@@ -17,7 +17,11 @@ platform                    platform/[a-z_]*\.h
 platform/host               platform/ exec/schema/ util/
 tools/platform_check        tools/platform_check/ platform/[a-z_]*\.h exec/schema/
 tools/text                  tools/text/ [a-z_]*\.inc qrytext/ qrylib/ api/ link/ exec/ parser/ util/ platform/host/qryhost\.h
-tools/qrysh                 tools/qrysh/ [a-z_]*\.inc tools/text/ qrytext/ qrylib/ link/ exec/ parser/ platform/host/qryhost\.h
+tools/qrysh                 tools/qrysh/ tools/text/ qrytext/ qrylib/ platform/host/qryhost\.h
+tools/qrysh/commands        tools/qrysh/ tools/text/ qrytext/ qrylib/ platform/host/qryhost\.h
+tools/qrysh/prompt          tools/qrysh/(prompt|printing)/ tools/text/ qrytext/ qrylib/
+tools/qrysh/transfer        tools/qrysh/transfer/ tools/text/ qrytext/ qrylib/ platform/host/qryhost\.h
+tools/qrysh/printing        tools/qrysh/printing/ tools/text/ qrytext/ qrylib/ platform/host/qryhost\.h
 tools/field                 tools/field/ qrytext/ qrylib/ platform/host/qryhost\.h
 tools/files                 tools/files/ qrytext/ qrylib/ platform/host/qryhost\.h
 python                      qrytext/ qrylib/ platform/host/qryhost\.h

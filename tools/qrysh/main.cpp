@@ -3,14 +3,17 @@
 #include <cstdio>
 #include <exception>
 
-#include "tools/qrysh/line_source.h"
+#include "tools/qrysh/commands/command_completion.h"
+#include "tools/qrysh/commands/dispatcher.h"
+#include "tools/qrysh/commands/session.h"
 #include "tools/qrysh/options.h"
-#include "tools/qrysh/output.h"
-#include "tools/qrysh/session.h"
+#include "tools/qrysh/printing/output.h"
+#include "tools/qrysh/prompt/line_source.h"
 
 namespace {
 
 using namespace qrysh;
+using namespace qrytext;
 
 bool set_up(session &shell, const options &chosen) {
     settings &set = shell.options();
@@ -34,24 +37,25 @@ bool set_up(session &shell, const options &chosen) {
 }
 
 // The lines before are completed with: they may name the tables.
-completion complete_after(const session &shell, std::string_view line, std::size_t cursor) {
-    std::string before = shell.unfinished();
+completion complete_after(const session &shell, const dispatcher &lines, std::string_view line,
+                          std::size_t cursor) {
+    std::string before = lines.unfinished();
     if (!before.empty()) {
         before += ' ';
     }
-    completion found = complete(shell.database(), before + std::string(line), before.size() + cursor);
+    completion found = complete_line(shell.database(), before + std::string(line), before.size() + cursor);
     found.word_begin -= before.size();
     return found;
 }
 
-prompt_hooks hooks_of(session &shell) {
+prompt_hooks hooks_of(session &shell, dispatcher &lines) {
     return {
-        [&shell](std::string_view line, std::size_t cursor) { return complete_after(shell, line, cursor); },
-        [&shell] { return prompt_for(shell.unfinished()); }, [&shell] { return shell.drop_unfinished(); }};
+        [&](std::string_view line, std::size_t cursor) { return complete_after(shell, lines, line, cursor); },
+        [&] { return prompt_for(lines.unfinished()); }, [&] { return lines.drop_unfinished(); }};
 }
 
 // In the order in which they are read.
-std::vector<std::unique_ptr<line_source>> open_sources(session &shell, const options &chosen) {
+std::vector<std::unique_ptr<line_source>> open_sources(const options &chosen, prompt_hooks hooks) {
     std::vector<std::unique_ptr<line_source>> sources;
     for (const std::string &command : chosen.commands) {
         sources.push_back(open_argument(command));
@@ -63,13 +67,13 @@ std::vector<std::unique_ptr<line_source>> open_sources(session &shell, const opt
         sources.push_back(open_argument(statement));
     }
     if (sources.empty()) {
-        sources.push_back(open_input(hooks_of(shell)));
+        sources.push_back(open_input(std::move(hooks)));
     }
     return sources;
 }
 
 // How reading the lines ended: quit, failed for good, or done.
-outcome run_lines(session &shell, line_source &lines, bool bail, int &status) {
+outcome run_lines(dispatcher &shell, line_source &lines, bool bail, int &status) {
     for (;;) {
         const std::optional<std::string> line = lines.next();
         outcome answer = line ? shell.make_way_for(*line) : shell.run_rest();
@@ -99,9 +103,10 @@ int run(int argc, char **argv) {
     if (!set_up(shell, chosen)) {
         return 1;
     }
+    dispatcher roof(shell);
     int status = 0;
-    for (const std::unique_ptr<line_source> &lines : open_sources(shell, chosen)) {
-        if (run_lines(shell, *lines, chosen.bail, status) != outcome::done) {
+    for (const std::unique_ptr<line_source> &lines : open_sources(chosen, hooks_of(shell, roof))) {
+        if (run_lines(roof, *lines, chosen.bail, status) != outcome::done) {
             break;
         }
     }

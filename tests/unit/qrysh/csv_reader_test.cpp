@@ -1,5 +1,5 @@
 // Comma-separated values with the places of their fields.
-#include "tools/qrysh/csv_reader.h"
+#include "tools/qrysh/transfer/csv_reader.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,43 @@
+// Titles that tell a result's columns apart.
+#include "tools/text/column_titles.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using qrytext::column_name;
+using qrytext::make_titles;
+using titles = std::vector<std::string>;
+
+titles titles_of_text(const std::string &sql) {
+    return make_titles(qrytext::select_list(sql));
+}
+
+TEST(ColumnTitles, AreTheNamesWhereTheseDiffer) {
+    EXPECT_EQ(make_titles({{"T", "A"}, {"U", "B"}}), (titles{"A", "B"}));
+}
+
+TEST(ColumnTitles, CarryTheTableWhereNamesRepeat) {
+    EXPECT_EQ(make_titles({{"T", "ID"}, {"T", "NAME"}, {"U", "ID"}}), (titles{"T.ID", "NAME", "U.ID"}));
+}
+
+TEST(ColumnTitles, CountAColumnSelectedTwice) {
+    EXPECT_EQ(make_titles({{"T", "A"}, {"T", "A"}, {"T", "A"}}), (titles{"T.A", "T.A (2)", "T.A (3)"}));
+}
+
+TEST(ColumnTitles, NameTheCount) {
+    EXPECT_EQ(make_titles({{"", ""}}), (titles{"COUNT(*)"}));
+}
+
+TEST(SelectList, IsWhatStandsBetweenSelectAndFrom) {
+    EXPECT_EQ(titles_of_text("SELECT A , B FROM T"), (titles{"A", "B"}));
+    EXPECT_EQ(titles_of_text("SELECT T.ID,U.ID,U.X FROM T, U WHERE T.ID = U.ID"),
+              (titles{"T.ID", "U.ID", "X"}));
+}
+
+TEST(SelectList, IsEmptyWithoutItsKeywords) {
+    EXPECT_EQ(titles_of_text("DELETE FROM T"), titles{});
+    EXPECT_EQ(titles_of_text("SELECT A"), titles{});
+}
+
+} // namespace

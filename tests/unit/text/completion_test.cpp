@@ -1,0 +1,60 @@
+// What may stand where the cursor is.
+#include "tools/text/completion.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+using qrytext::common_start;
+using qrytext::complete;
+using words = std::vector<std::string>;
+
+words candidates(const std::string &line, const std::string &db_name = "adbk_db") {
+    return complete(db_name, line, line.size()).candidates;
+}
+
+bool holds(const words &all, const std::string &word) {
+    return std::find(all.begin(), all.end(), word) != all.end();
+}
+
+TEST(Completion, KeywordsTablesAndColumns) {
+    EXPECT_EQ(candidates("SEL"), words{"SELECT"});
+    EXPECT_EQ(candidates("SELECT PSN_K"), words{"PSN_KANA"});
+    EXPECT_EQ(candidates("DELETE FROM PSN_T"), words{"PSN_TBL"});
+    EXPECT_EQ(candidates("SELECT NOTHING_SUCH"), words{});
+}
+
+TEST(Completion, TypedInAnyCase) {
+    EXPECT_EQ(candidates("sel"), words{"SELECT"});
+    EXPECT_EQ(candidates("SELECT psn_kana"), words{"PSN_KANA"});
+}
+
+TEST(Completion, ColumnsAreThoseOfTheTablesNamed) {
+    const std::string line = "SELECT  FROM PSN_TBL";
+    const words named = complete("adbk_db", line, 7).candidates;
+    EXPECT_TRUE(holds(named, "PSN_NAME"));
+    EXPECT_FALSE(holds(named, "FAX_PHONE"));
+    EXPECT_TRUE(holds(candidates("SELECT "), "FAX_PHONE"));
+}
+
+TEST(Completion, AJoinsColumnsCarryTheirTable) {
+    const std::string line = "SELECT DEPT_TBL.NA FROM DEPT_TBL, EDIT_CNT_TBL";
+    EXPECT_EQ(complete("department_db", line, 18).candidates, words{"DEPT_TBL.NAME"});
+}
+
+TEST(Completion, TheWordBeginsBehindASeparator) {
+    EXPECT_EQ(complete("adbk_db", "SELECT PSN_ID,PSN_K", 19).word_begin, 14U);
+    EXPECT_EQ(complete("adbk_db", "SEL", 3).word_begin, 0U);
+    EXPECT_EQ(complete("adbk_db", "", 0).word_begin, 0U);
+}
+
+TEST(Completion, WhatAllBeginWith) {
+    EXPECT_EQ(common_start({"PSN_ID", "PSN_NAME"}), "PSN_");
+    EXPECT_EQ(common_start({"A"}), "A");
+    EXPECT_EQ(common_start({"A", "B"}), "");
+    EXPECT_EQ(common_start({}), "");
+}
+
+} // namespace

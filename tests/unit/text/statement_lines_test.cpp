@@ -1,0 +1,88 @@
+// Where a statement over several lines ends, and what has become of its line ends.
+#include "tools/text/statement_lines.h"
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <vector>
+
+namespace {
+
+using qrytext::statement_lines;
+using qrytext::without_semicolon;
+
+// The statements that the lines make; what is unfinished at their end comes last, behind a "...".
+std::vector<std::string> statements(std::initializer_list<std::string_view> lines) {
+    std::vector<std::string> found;
+    statement_lines reader;
+    for (const std::string_view line : lines) {
+        if (reader.add(line)) {
+            found.push_back(reader.take());
+        }
+    }
+    if (reader.is_open()) {
+        found.push_back("..." + reader.take());
+    }
+    return found;
+}
+
+using texts = std::vector<std::string>;
+
+TEST(StatementLines, AWholeLineIsAStatement) {
+    for (const char *line :
+         {"SELECT A FROM T", "SELECT A FROM T ORDER BY ", "SELECT A FROM T WHERE A = 'x", "DELETE FROM T",
+          "DROP TABLE T", "CREATE TABLE T", "INSERT INTO T (A) VALUES (1)", "INSERT INTO T (A) VALUES (1) x",
+          "UPDATE T SET A = 1", "UPDATE T SET A = 'x' WHERE B = O'Hara", "SELECT A from T", "select A",
+          "WHERE", "SELECTION", "DELETE T"}) {
+        EXPECT_EQ(statements({line}), texts{line});
+    }
+}
+
+TEST(StatementLines, AnUnfinishedLineGoesOnToTheSemicolon) {
+    for (const char *line :
+         {"SELECT", "SELECT A", "SELECT A FROM", "SELECT A FROM T,", "SELECT A FROM T WHERE ", "DELETE",
+          "DELETE FROM", "DROP TABLE", "DELETE FROM T WHERE A = 1 AND", "DELETE FROM T WHERE A IN (",
+          "INSERT", "INSERT INTO T (A)", "INSERT INTO T (A) VALUES (1", "UPDATE T",
+          "UPDATE T SET A =", "UPDATE T SET A = 1 WHERE B = 2 OR", "CREATE TABLE T ("}) {
+        EXPECT_EQ(statements({line, "x"}).at(0).substr(0, 3), "...") << line;
+        EXPECT_EQ(statements({std::string(line) + ";"}), texts{std::string(line) + ";"});
+    }
+    EXPECT_EQ(statements({"SELECT A", "FROM T", "WHERE A = 1;", "DROP TABLE T"}),
+              (texts{"SELECT A FROM T WHERE A = 1;", "DROP TABLE T"}));
+}
+
+TEST(StatementLines, ALineEndAndTheBlanksAroundItAreOneBlank) {
+    EXPECT_EQ(statements({"  SELECT A,\t ", "\t B\r", "", "  \t", "-- a comment", "FROM T ; "}),
+              texts{"  SELECT A, B FROM T ; "});
+}
+
+TEST(StatementLines, BetweenQuotesEverythingStays) {
+    EXPECT_EQ(
+        statements({"INSERT INTO T (A, B) VALUES ('it''s;\r", "", "  -- no comment;", ".quit', ", " 2);\r"}),
+        texts{"INSERT INTO T (A, B) VALUES ('it''s;\r\n\n  -- no comment;\n.quit', 2);"});
+    EXPECT_EQ(statements({"UPDATE T SET A = 'x", "y'", "WHERE B = 'it's;"}),
+              texts{"UPDATE T SET A = 'x\ny' WHERE B = 'it's;"});
+}
+
+TEST(StatementLines, AnotherBeginningCutsAStatementOff) {
+    statement_lines reader;
+    EXPECT_FALSE(reader.is_cut_off_by("SELECT A FROM T"));
+    ASSERT_FALSE(reader.add("DELETE FROM"));
+    EXPECT_TRUE(reader.is_cut_off_by("  SELECT A FROM T"));
+    EXPECT_TRUE(reader.is_cut_off_by("\t.quit"));
+    EXPECT_FALSE(reader.is_cut_off_by("SELECTED WHERE A = 1"));
+    EXPECT_FALSE(reader.is_cut_off_by(""));
+    reader.take();
+    ASSERT_FALSE(reader.add("INSERT INTO T (A) VALUES ('x"));
+    EXPECT_FALSE(reader.is_cut_off_by(".quit"));
+    EXPECT_FALSE(reader.is_cut_off_by("SELECT A FROM T"));
+}
+
+TEST(StatementLines, OneSemicolonBelongsToTheShell) {
+    EXPECT_EQ(without_semicolon("A; "), "A");
+    EXPECT_EQ(without_semicolon("A ;;"), "A ;");
+    EXPECT_EQ(without_semicolon("A; B "), "A; B ");
+    EXPECT_EQ(without_semicolon(""), "");
+}
+
+} // namespace

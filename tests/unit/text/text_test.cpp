@@ -1,0 +1,59 @@
+// UTF-8 decoding, escapes and trimming.
+#include "tools/text/text.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using qrytext::decode_character;
+using qrytext::printable;
+
+void expect_character(const std::string &bytes, char32_t code_point) {
+    EXPECT_EQ(decode_character(bytes).code_point, code_point);
+    EXPECT_EQ(decode_character(bytes).length, bytes.size());
+}
+
+TEST(Text, DecodesEveryLength) {
+    expect_character("A", U'A');
+    expect_character("\xC3\xA9", U'\u00E9');
+    expect_character("\xE3\x81\x82", U'\u3042');
+    expect_character("\xF0\x9F\x98\x80", U'\U0001F600');
+    expect_character("\xF4\x8F\xBF\xBF", 0x10FFFF);
+}
+
+TEST(Text, RefusesWhatIsNotUtf8OneByteAtATime) {
+    for (const char *const bytes : {"\x80", "\xC3", "\xC3(", "\xC0\x80", "\xE0\x80\x80", "\xED\xA0\x80",
+                                    "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "\xFF"}) {
+        EXPECT_EQ(decode_character(bytes).code_point, std::nullopt) << printable(bytes);
+        EXPECT_EQ(decode_character(bytes).length, 1U) << printable(bytes);
+    }
+}
+
+TEST(Text, PrintableLeavesOrdinaryTextAlone) {
+    EXPECT_EQ(printable("O'Hara 佐藤 \\"), "O'Hara 佐藤 \\");
+    EXPECT_EQ(printable(""), "");
+}
+
+TEST(Text, PrintableEscapesByteByByte) {
+    EXPECT_EQ(printable("\xC2\x85"), "\\xC2\\x85");
+    EXPECT_EQ(printable("a\xE3\x81"), "a\\xE3\\x81");
+}
+
+TEST(Text, WidthCountsTerminalColumns) {
+    EXPECT_EQ(qrytext::text_width(""), 0U);
+    EXPECT_EQ(qrytext::text_width("Dubois"), 6U);
+    EXPECT_EQ(qrytext::text_width("M\u00FCller"), 6U);
+    EXPECT_EQ(qrytext::text_width("\u6E21\u8FBA"), 4U);
+    EXPECT_EQ(qrytext::text_width("\u30EF\u30BF\u30CA\u30D9 \u30DE"), 11U);
+    EXPECT_EQ(qrytext::text_width("\uFF76\uFF85"), 2U);
+    EXPECT_EQ(qrytext::text_width("\uFF01"), 2U);
+}
+
+TEST(Text, TrimTakesBlanksAndNothingElse) {
+    EXPECT_EQ(qrytext::trim("  a b "), "a b");
+    EXPECT_EQ(qrytext::trim("\ta\t"), "\ta\t");
+    EXPECT_EQ(qrytext::trim("  "), "");
+    EXPECT_EQ(qrytext::trim(""), "");
+}
+
+} // namespace

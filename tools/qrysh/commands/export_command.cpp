@@ -1,0 +1,58 @@
+// .export and .dump: answers and tables written to files of other programs' forms.
+#include <fmt/format.h>
+
+#include "tools/qrysh/commands/actions.h"
+#include "tools/qrysh/commands/arguments.h"
+#include "tools/qrysh/printing/output.h"
+#include "tools/qrysh/transfer/file_forms.h"
+#include "tools/text/near_match.h"
+#include "tools/text/schema.h"
+#include "tools/text/text.h"
+
+namespace qrysh {
+
+namespace {
+
+outcome dump(session &shell, const std::vector<std::string> &names, const std::string &path) {
+    const trace_log::pause quiet(shell.traces());
+    std::vector<sqlite_table> all;
+    for (const std::string &name : names) {
+        all.push_back(read_table(shell.database(), name));
+    }
+    if (!path.empty()) {
+        write_tables(path, shell.database(), all);
+        return outcome::done;
+    }
+    present(as_statements(shell.database(), all));
+    return outcome::done;
+}
+
+} // namespace
+
+outcome export_answer(session &shell, const std::string &path) {
+    const std::optional<result> &answer = shell.last_answer();
+    if (!answer) {
+        return session::fail("there is no answer yet");
+    }
+    write_tables(path, "", {describe_answer(*answer)});
+    return outcome::done;
+}
+
+// A table's name has no point in it, and a file's has.
+outcome dump_tables(session &shell, const std::string &order) {
+    word_and_rest parts = split_first_word(order);
+    const bool names_table = !parts.word.empty() && parts.word.find('.') == std::string::npos;
+    const std::string path = names_table ? parts.rest : order;
+    if (names_table && !table_exists(shell.database(), parts.word)) {
+        return session::fail(fmt::format("there is no table \"{}\" in {}{}", printable(parts.word),
+                                         shell.database(),
+                                         did_you_mean(parts.word, table_names(shell.database()))));
+    }
+    if (!path.empty() && shell.options().safe) {
+        return session::fail(".dump to a file touches files: the shell was started with --safe");
+    }
+    return dump(shell, names_table ? std::vector<std::string>{parts.word} : table_names(shell.database()),
+                path);
+}
+
+} // namespace qrysh

@@ -1,0 +1,68 @@
+// One run of the shell: its settings, and what it says of each statement.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tools/qrysh/printing/trace_log.h"
+#include "tools/text/printers.h"
+
+namespace qrysh {
+
+using namespace qrytext;
+
+enum class outcome { done, failed, quit };
+
+struct settings {
+    output_mode mode = output_mode::table;
+    bool echo = false;     // print each line above its answer
+    bool timer = false;    // print what each statement cost
+    bool readonly = false; // refuse whatever changes records
+    bool safe = false;     // refuse commands that touch files
+};
+
+// Answers go to standard output; codes, complaints, traces and all else to standard error. Both are written
+// through at once, so that they interleave in the order in which they arose.
+class session {
+  public:
+    // Answers a statement without its semicolon.
+    outcome run_statement(const std::string &sql);
+
+    // Each answers done, or complains and answers failed.
+    outcome use_database(const std::string &name);
+    outcome use_mode(const std::string &name);
+    outcome open(const std::string &image_path);
+    static outcome load(const std::string &path);
+    static outcome save(const std::string &path);
+
+    const std::string &database() const { return database_; }
+    settings &options() { return settings_; }
+    trace_log &traces() { return traces_; }
+
+    // The last answer shown, for commands that write it elsewhere.
+    const std::optional<result> &last_answer() const { return last_answer_; }
+
+    // Prints an answer in the current output mode.
+    void show(const result &answer);
+
+    // Prints what an examination of a device image finds.
+    static outcome check(const std::string &image_path);
+
+    // Prints a complaint.
+    static outcome fail(std::string_view sentence);
+
+    // Prints the complaint about a refused statement: the code, the trace points, the place in the text.
+    outcome report(const std::string &sql, std::uint32_t code);
+
+  private:
+    outcome run_and_show(const std::string &sql);
+
+    std::string database_ = "adbk_db";
+    settings settings_;
+    trace_log traces_;
+    std::optional<result> last_answer_;
+};
+
+} // namespace qrysh

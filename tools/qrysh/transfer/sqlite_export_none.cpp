@@ -1,0 +1,12 @@
+// A shell built without SQLite.
+#include <stdexcept>
+
+#include "tools/qrysh/transfer/sqlite_export.h"
+
+namespace qrysh {
+
+void write_sqlite(const std::string & /*path*/, const std::vector<sqlite_table> & /*tables*/) {
+    throw std::runtime_error("this shell was built without SQLite; .csv, .json and .sql are there");
+}
+
+} // namespace qrysh

@@ -1,0 +1,46 @@
+// Which search for the fault a code asks for.
+#include "tools/text/diagnosis.h"
+
+#include <qrylib/types.h>
+
+#include <string_view>
+
+#include "tools/text/statement_lines.h"
+#include "tools/text/text.h"
+
+namespace qrytext {
+
+namespace {
+
+// Two statements in one line, or a comment behind one.
+std::optional<finding> at_semicolon(const std::string &sql) {
+    const std::size_t place = sql.find(';');
+    if (place == std::string::npos) {
+        return std::nullopt;
+    }
+    const std::string_view rest = trim(std::string_view(sql).substr(place + 1));
+    if (!begins_statement(rest) && rest.substr(0, 2) != "--") {
+        return std::nullopt;
+    }
+    return finding{place, 1, "a line holds one statement and nothing behind it"};
+}
+
+} // namespace
+
+std::optional<finding> diagnose(const std::string &db_name, const std::string &sql, std::uint32_t code,
+                                const std::deque<std::string> &traces) {
+    const bool may_be_a_name =
+        code == QRY_LIB_NOT_ACCEPTED || code == QRY_LIB_INVALID_ARGUMENT || code == QRY_LIB_TABLE_ARGUMENT;
+    if (std::optional<finding> place = may_be_a_name ? at_semicolon(sql) : std::nullopt) {
+        return place;
+    }
+    if (code == QRY_LIB_NOT_ACCEPTED) {
+        if (std::optional<finding> place = find_refused_place(sql, traces)) {
+            return place;
+        }
+    }
+    // A join is refused as not accepted where its names are at fault.
+    return may_be_a_name ? find_unknown_name(db_name, sql) : std::nullopt;
+}
+
+} // namespace qrytext

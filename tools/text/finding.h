@@ -1,0 +1,25 @@
+// A place in a statement's text and what is wrong there.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qrytext {
+
+struct finding {
+    std::size_t place; // in bytes; the text's length: behind its end
+    std::size_t length;
+    std::string sentence;
+    bool is_unknown = false; // no word of the dialect is near: the reader may have words of its own
+};
+
+// The text, a caret under each column of the place, and the sentence, which may be empty.
+std::string point_at(std::string_view text, const finding &found);
+
+// The first place at or behind `from` where `word` stands between separators: blanks and the signs of the
+// dialect, but not the point within a qualified name.
+std::optional<std::size_t> find_word(std::string_view text, std::string_view word, std::size_t from = 0);
+
+} // namespace qrytext

@@ -1,0 +1,31 @@
+// The built-in schema as lists of names.
+#pragma once
+
+#include <qrylib/catalog.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qrytext {
+
+bool database_exists(const std::string &db_name);
+bool table_exists(const std::string &db_name, const std::string &table_name);
+
+std::vector<std::string> database_names();
+std::vector<std::string> table_names(const std::string &db_name);
+std::vector<std::string> column_names(const std::string &db_name, const std::string &table_name);
+
+std::vector<qry_lib_catalog_column_> table_columns(const std::string &db_name, const std::string &table_name);
+
+// Nothing for a column that the table does not have.
+std::optional<qry_lib_catalog_column_> find_column(const std::string &db_name, const std::string &table_name,
+                                                   const std::string &column);
+
+// Records that the device has room for, and those in use. Counting is a query like any other: it traces,
+// and throws std::runtime_error where it fails.
+std::int64_t table_capacity(const std::string &db_name, const std::string &table_name);
+std::int64_t records_in_use(const std::string &db_name, const std::string &table_name);
+
+} // namespace qrytext

@@ -1,0 +1,135 @@
+// Where a statement ends.
+#include "tools/text/statement_lines.h"
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <utility>
+
+#include "tools/text/finding.h"
+#include "tools/text/statement_text.h"
+#include "tools/text/text.h"
+
+namespace qrytext {
+
+namespace {
+
+constexpr std::string_view gaps = " \t\r";
+
+// Only lines that begin with one of these may go on, so that what is no statement is refused at once.
+constexpr std::string_view verbs[] = {"SELECT", "INSERT", "UPDATE", "DELETE", "DROP", "CREATE"};
+
+// What cannot end a statement that means anything. ORDER BY can: without a column it does not sort.
+constexpr std::string_view open_ends[] = {"SELECT", "DELETE", "DROP", "FROM", "TABLE", "WHERE", "AND", "OR"};
+
+template <std::size_t Size>
+bool is_one_of(const std::string_view (&words)[Size], std::string_view word) {
+    return std::find(std::begin(words), std::end(words), word) != std::end(words);
+}
+
+std::string_view without_gaps_behind(std::string_view text) {
+    return text.substr(0, text.find_last_not_of(gaps) + 1);
+}
+
+std::string_view first_word(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(gaps), text.size()));
+    return text.substr(0, text.find_first_of(gaps));
+}
+
+std::string_view last_word(std::string_view text) {
+    return text.substr(text.find_last_of(gaps) + 1);
+}
+
+bool is_write(std::string_view text) {
+    return first_word(text) == "INSERT" || first_word(text) == "UPDATE";
+}
+
+// How far an INSERT or UPDATE is understood; nothing when it is understood to its end.
+std::optional<syntax_error::kind> fault_of_write(std::string_view text) {
+    try {
+        parse_write_statement(text);
+        return std::nullopt;
+    } catch (const syntax_error &error) {
+        return error.what_kind();
+    }
+}
+
+// Quotes count only where the shell reads them: in a condition they may stand alone.
+bool ends_inside_quotes(std::string_view text) {
+    return is_write(text) && fault_of_write(text) == syntax_error::kind::open_quote;
+}
+
+// Lower case is no keyword, but who writes "from" has not forgotten it: the refusal tells more than a prompt.
+bool has_from(std::string_view text) {
+    return find_word(text, "FROM", 0) || find_word(text, "from", 0);
+}
+
+bool goes_on(std::string_view line) {
+    const std::string_view text = without_gaps_behind(line);
+    const std::string_view verb = first_word(text);
+    if (!begins_statement(text)) {
+        return false;
+    }
+    if (text.back() == ',' || text.back() == '(' || is_one_of(open_ends, last_word(text))) {
+        return true;
+    }
+    if (verb == "SELECT") {
+        return !has_from(text);
+    }
+    return is_write(text) && fault_of_write(text) == syntax_error::kind::cut_off;
+}
+
+bool ends_with_semicolon(std::string_view text) {
+    const std::string_view shown = without_gaps_behind(text);
+    return !shown.empty() && shown.back() == ';';
+}
+
+} // namespace
+
+bool begins_statement(std::string_view text) {
+    return is_one_of(verbs, first_word(text));
+}
+
+std::string_view without_semicolon(std::string_view text) {
+    return ends_with_semicolon(text) ? text.substr(0, text.rfind(';')) : text;
+}
+
+// No line of a statement but its first begins with a verb or a point, so a forgotten ";" costs one statement.
+bool statement_lines::is_cut_off_by(std::string_view line) const {
+    return is_open() && !quote_is_open_ && (first_word(line).substr(0, 1) == "." || begins_statement(line));
+}
+
+void statement_lines::append(std::string_view line) {
+    if (quote_is_open_) {
+        text_.append("\n").append(line);
+        return;
+    }
+    const std::size_t first = line.find_first_not_of(gaps);
+    if (first != std::string_view::npos && line.substr(first, 2) != "--") {
+        text_ = std::string(without_gaps_behind(text_)).append(" ").append(line.substr(first));
+    }
+}
+
+bool statement_lines::add(std::string_view line) {
+    const bool is_first = !is_open();
+    if (is_first) {
+        text_ = line;
+    } else {
+        append(line);
+    }
+    quote_is_open_ = ends_inside_quotes(text_);
+    if (quote_is_open_) {
+        return false;
+    }
+    if (text_.back() == '\r') {
+        text_.pop_back();
+    }
+    return ends_with_semicolon(text_) || (is_first && !goes_on(text_));
+}
+
+std::string statement_lines::take() {
+    quote_is_open_ = false;
+    return std::exchange(text_, {});
+}
+
+} // namespace qrytext
