@@ -16,6 +16,7 @@ namespace {
 outcome dump(session &shell, const std::vector<std::string> &names, const std::string &path) {
     const trace_log::pause quiet(shell.traces());
     std::vector<sqlite_table> all;
+    all.reserve(names.size());
     for (const std::string &name : names) {
         all.push_back(read_table(shell.database(), name));
     }
