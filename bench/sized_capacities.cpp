@@ -1,13 +1,6 @@
 // Capacities for measuring alone: as many departments as the program that links this says.
 #include "exec/schema/schema.h"
 
-namespace norvane {
-
-const database_schema *const databases[database_num] = {&adbk_schema, &department_schema, &usrac_schema,
-                                                        &log_schema};
-
-} // namespace norvane
-
 // The rows behind these are of category 0, which no table has.
 const QRY_LIB_TB_MAX_ROW QRY_LIB_TB_MAX_TABLE[QRY_LIB_TB_MAX_NUM] = {
     {0x05080404, QRYLIB_BENCH_RECORDS, 0},

@@ -2,13 +2,6 @@
 // records of most. The program that links this says for how many.
 #include "exec/schema/schema.h"
 
-namespace norvane {
-
-const database_schema *const databases[database_num] = {&adbk_schema, &department_schema, &usrac_schema,
-                                                        &log_schema};
-
-} // namespace norvane
-
 #define ROOM(category)                                                                                       \
     { category, QRYLIB_ROOMY_RECORDS, 0 }
 

@@ -26,14 +26,10 @@ extern "C" {
 #define QRY_LIB_TABLE_ARGUMENT 0x5241u     /**< element tables: argument refused */
 #define QRY_LIB_TABLE_ACCESS 0x5243u       /**< element tables: a search could not be carried out */
 #define QRY_LIB_NOT_ACCEPTED 0xDB00u       /**< the SQL text or the statement could not be analysed */
-#define QRY_LIB_NO_SUCH_ITEM                                                                                 \
-    0xDB02u                           /**< index beyond the end, column not found, no row matched an UPDATE  \
-                                       */
-#define QRY_LIB_NO_FREE_ENTRY 0xDB04u /**< no unused id in the range, no free record for an INSERT */
-#define QRY_LIB_INVALID_ARGUMENT                                                                             \
-    0xDB05u                     /**< null or over-long argument, unknown database, table or column           \
-                                 */
-#define QRY_LIB_FAILURE 0xFFFFu /**< a step that has no code of its own failed */
+#define QRY_LIB_NO_SUCH_ITEM 0xDB02u       /**< index beyond the end, no such column, UPDATE of no row */
+#define QRY_LIB_NO_FREE_ENTRY 0xDB04u      /**< no unused id in the range, no free record for an INSERT */
+#define QRY_LIB_INVALID_ARGUMENT 0xDB05u   /**< argument null or too long; unknown database, table, column */
+#define QRY_LIB_FAILURE 0xFFFFu            /**< a step that has no code of its own failed */
 
 /* Capacities, in characters without the terminator. */
 #define QRY_LIB_COLUMN_NAME_MAX 31 /**< a column's name */

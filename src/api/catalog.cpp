@@ -1,8 +1,6 @@
 // The built-in schema shown to people and tools.
 #include <qrylib/catalog.h>
 
-#include <cstring>
-
 #include <qrylib/element_table.h>
 #include <qrylib/types.h>
 
@@ -14,26 +12,14 @@ using norvane::database_schema;
 
 namespace {
 
-const database_schema *find_database(const char *db_name) {
-    for (const database_schema *database : norvane::databases) {
-        if (db_name != nullptr && std::strcmp(database->name, db_name) == 0) {
-            return database;
-        }
-    }
-    return nullptr;
+const database_schema *named_database(const char *db_name) {
+    return db_name == nullptr ? nullptr : norvane::find_database(db_name);
 }
 
-const QRY_LIB_TABLE_DEF *find_table(const char *db_name, const char *table_name) {
-    const database_schema *database = find_database(db_name);
-    if (database == nullptr || table_name == nullptr) {
-        return nullptr;
-    }
-    for (std::uint16_t i = 0; i < database->table_num; ++i) {
-        if (std::strcmp(database->tables[i].table_name, table_name) == 0) {
-            return &database->tables[i];
-        }
-    }
-    return nullptr;
+const QRY_LIB_TABLE_DEF *named_table(const char *db_name, const char *table_name) {
+    const database_schema *database = named_database(db_name);
+    return database == nullptr || table_name == nullptr ? nullptr
+                                                        : norvane::find_table(*database, table_name);
 }
 
 std::uint8_t column_type(std::uint32_t elem_type) {
@@ -46,32 +32,32 @@ std::uint8_t column_type(std::uint32_t elem_type) {
 
 extern "C" {
 
-uint16_t qry_lib_catalog_db_num(void) {
+std::uint16_t qry_lib_catalog_db_num(void) {
     return norvane::database_num;
 }
 
-const char *qry_lib_catalog_db(uint16_t index) {
+const char *qry_lib_catalog_db(std::uint16_t index) {
     return index < norvane::database_num ? norvane::databases[index]->name : nullptr;
 }
 
-uint16_t qry_lib_catalog_table_num(const char *db_name) {
-    const database_schema *database = find_database(db_name);
-    return database == nullptr ? uint16_t{0} : database->table_num;
+std::uint16_t qry_lib_catalog_table_num(const char *db_name) {
+    const database_schema *database = named_database(db_name);
+    return database == nullptr ? std::uint16_t{0} : database->table_num;
 }
 
-const char *qry_lib_catalog_table(const char *db_name, uint16_t index) {
-    const database_schema *database = find_database(db_name);
+const char *qry_lib_catalog_table(const char *db_name, std::uint16_t index) {
+    const database_schema *database = named_database(db_name);
     return database != nullptr && index < database->table_num ? database->tables[index].table_name : nullptr;
 }
 
-uint16_t qry_lib_catalog_column_num(const char *db_name, const char *table_name) {
-    const QRY_LIB_TABLE_DEF *table = find_table(db_name, table_name);
-    return table == nullptr ? uint16_t{0} : static_cast<uint16_t>(table->element_num);
+std::uint16_t qry_lib_catalog_column_num(const char *db_name, const char *table_name) {
+    const QRY_LIB_TABLE_DEF *table = named_table(db_name, table_name);
+    return table == nullptr ? std::uint16_t{0} : static_cast<std::uint16_t>(table->element_num);
 }
 
-uint32_t qry_lib_catalog_column(const char *db_name, const char *table_name, uint16_t index,
-                                qry_lib_catalog_column_ *out) {
-    const QRY_LIB_TABLE_DEF *table = find_table(db_name, table_name);
+std::uint32_t qry_lib_catalog_column(const char *db_name, const char *table_name, std::uint16_t index,
+                                     qry_lib_catalog_column_ *out) {
+    const QRY_LIB_TABLE_DEF *table = named_table(db_name, table_name);
     if (table == nullptr || out == nullptr) {
         return norvane::trace_return(__func__, __LINE__, QRY_LIB_INVALID_ARGUMENT);
     }
@@ -86,12 +72,13 @@ uint32_t qry_lib_catalog_column(const char *db_name, const char *table_name, uin
     return 0;
 }
 
-uint32_t qry_lib_catalog_capacity(const char *db_name, const char *table_name, uint16_t *max_records) {
-    const QRY_LIB_TABLE_DEF *table = find_table(db_name, table_name);
+std::uint32_t qry_lib_catalog_capacity(const char *db_name, const char *table_name,
+                                       std::uint16_t *max_records) {
+    const QRY_LIB_TABLE_DEF *table = named_table(db_name, table_name);
     if (table == nullptr || max_records == nullptr) {
         return norvane::trace_return(__func__, __LINE__, QRY_LIB_INVALID_ARGUMENT);
     }
-    return qry_lib_tb_get_max_stc_table_number(table->elements[0].info.category_id, max_records);
+    return qry_lib_tb_get_max_stc_table_number(norvane::category_of(*table), max_records);
 }
 
 } // extern "C"

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "qrylib/types.h"
+#include <qrylib/types.h>
 
 namespace norvane {
 

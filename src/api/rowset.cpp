@@ -5,6 +5,7 @@
 #include "api/qry_lib_db_rowset_lib.h"
 #include "api/qry_lib_db_wrapper.h"
 #include "util/bounded_text.h"
+#include "util/element_type.h"
 #include "util/trace.h"
 
 using norvane::qry_lib_db_rowset_lib;
@@ -20,19 +21,9 @@ struct number {
 };
 
 number stored_number(const QRY_LIB_COLUMN &column) {
-    switch (static_cast<std::uint32_t>(column.type)) {
-    case QRY_LIB_COLUMN_TYPE_INT:
-        return {static_cast<std::uint32_t>(column.value.int_value), 4, true};
-    case QRY_LIB_COLUMN_TYPE_UCHAR:
-        return {column.value.uchar_value, 1, false};
-    case QRY_LIB_COLUMN_TYPE_USHORT:
-        return {column.value.ushort_value, 2, false};
-    case QRY_LIB_COLUMN_TYPE_UINT:
-    case QRY_LIB_COLUMN_TYPE_ULONG:
-        return {column.value.ulong_value, 4, false};
-    default:
-        return {0, 0, false};
-    }
+    const std::uint32_t width = norvane::number_width(column.type);
+    return {width == 0 ? 0 : norvane::load_number(&column.value, width), width,
+            column.type == QRY_LIB_COLUMN_TYPE_INT};
 }
 
 // The column under the cursor; null, traced in the read's name, when there is none.

@@ -20,7 +20,7 @@ const char *label(const char *const (&labels)[Num], std::uint32_t value) {
 }
 
 // Fetches every column and condition, as a fuller summary would; none is added to it.
-void fetch_all(qry_lib_analyze_info const &info) {
+void fetch_all(const qry_lib_analyze_info &info) {
     for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
         info.col_at(i);
     }
@@ -31,11 +31,11 @@ void fetch_all(qry_lib_analyze_info const &info) {
 
 } // namespace
 
-int qry_lib_db_executer::exec(qry_lib_analyze_info const &info) {
+int qry_lib_db_executer::exec(const qry_lib_analyze_info &info) {
     return exec_internal(info, nullptr);
 }
 
-int qry_lib_db_executer::exec(qry_lib_analyze_info const &info, qry_lib_db_rowset_ &rowset) {
+int qry_lib_db_executer::exec(const qry_lib_analyze_info &info, qry_lib_db_rowset_ &rowset) {
     return exec_internal(info, &rowset);
 }
 
@@ -43,7 +43,7 @@ int qry_lib_db_executer::open_catalog(const char *db_name) {
     return qry_lib_table_element_factory::create_elemet(db_name, &catalog_);
 }
 
-int qry_lib_db_executer::exec_internal(qry_lib_analyze_info const &info, qry_lib_db_rowset_ *rowset) {
+int qry_lib_db_executer::exec_internal(const qry_lib_analyze_info &info, qry_lib_db_rowset_ *rowset) {
     log_out_put_analyze_info(info);
     if (info.get_exec_type() == QRY_LIB_DB_QUERY_TYPE_CREATE) {
         return 0;
@@ -70,7 +70,7 @@ int qry_lib_db_executer::exec_internal(qry_lib_analyze_info const &info, qry_lib
     return code;
 }
 
-int qry_lib_db_executer::dispatch(qry_lib_analyze_info const &info, unsigned int category,
+int qry_lib_db_executer::dispatch(const qry_lib_analyze_info &info, unsigned int category,
                                   record_list records, qry_lib_db_rowset_ *rowset) {
     switch (info.get_exec_type()) {
     case QRY_LIB_DB_QUERY_TYPE_INSERT:
@@ -87,7 +87,7 @@ int qry_lib_db_executer::dispatch(qry_lib_analyze_info const &info, unsigned int
     }
 }
 
-std::string qry_lib_db_executer::log_out_put_analyze_info(qry_lib_analyze_info const &info) const {
+std::string qry_lib_db_executer::log_out_put_analyze_info(const qry_lib_analyze_info &info) const {
     char order_col[QRY_LIB_COLUMN_NAME_MAX + 1];
     QRY_LIB_ODER_TYPE order_type;
     info.get_order(order_col, order_type);

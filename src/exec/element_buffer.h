@@ -5,8 +5,9 @@
 #include <cstdint>
 #include <cstring>
 
+#include <qrylib/types.h>
+
 #include "exec/schema/schema.h"
-#include "qrylib/types.h"
 
 namespace norvane {
 

@@ -14,25 +14,11 @@ namespace norvane {
 namespace {
 
 // Copies a value in its element's representation to the start of a key's value area.
-void copy_value(std::uint32_t elem_type, void const *value, char *out) {
-    switch (elem_type) {
-    case element_int:
-    case element_uint:
-    case element_ulong:
-        std::memcpy(out, value, sizeof(std::uint32_t));
-        break;
-    case element_uchar:
-        std::memcpy(out, value, sizeof(std::uint8_t));
-        break;
-    case element_ushort:
-        std::memcpy(out, value, sizeof(std::uint16_t));
-        break;
-    case element_string:
-    case element_name:
+void copy_value(std::uint32_t elem_type, const void *value, char *out) {
+    if (is_string_element(elem_type)) {
         copy_bounded<QRY_LIB_STRING_MAX>(out, static_cast<const char *>(value));
-        break;
-    default:
-        break; // leaves the value area as it was
+    } else {
+        std::memcpy(out, value, number_width(elem_type));
     }
 }
 
@@ -61,7 +47,7 @@ class search_records {
 };
 
 // The statement's first column of exactly that name, or null.
-const QRY_LIB_COLUMN *find_column(qry_lib_analyze_info const &info, const char *name) {
+const QRY_LIB_COLUMN *find_column(const qry_lib_analyze_info &info, const char *name) {
     for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
         const QRY_LIB_COLUMN *column = info.col_at(i);
         if (column != nullptr && std::strcmp(column->col_name, name) == 0) {
@@ -72,14 +58,14 @@ const QRY_LIB_COLUMN *find_column(qry_lib_analyze_info const &info, const char *
 }
 
 // Where a conversion puts a value, or a read finds it, in the element's buffer.
-char *value_in(element_buffer &buffer, QRY_LIB_ELEMENT_INFO const &info) {
+char *value_in(element_buffer &buffer, const QRY_LIB_ELEMENT_INFO &info) {
     return buffer.data() + info.member_offset;
 }
 
 } // namespace
 
-void qry_lib_db_executer::set_filter_key(QRY_LIB_ELEMENT_INFO const &info, QRY_LIB_OPERATION_TYPE operation,
-                                         QRY_LIB_JOIN_TYPE join, void const *value, filter_keys &keys) {
+void qry_lib_db_executer::set_filter_key(const QRY_LIB_ELEMENT_INFO &info, QRY_LIB_OPERATION_TYPE operation,
+                                         QRY_LIB_JOIN_TYPE join, const void *value, filter_keys &keys) {
     qry_lib_tb_list_filter_key_ &key = keys.emplace_back();
     key.category_id = info.category_id;
     key.element_id = info.element_id;
@@ -91,7 +77,7 @@ void qry_lib_db_executer::set_filter_key(QRY_LIB_ELEMENT_INFO const &info, QRY_L
     key.join = join;
 }
 
-int qry_lib_db_executer::create_filter_key(qry_lib_analyze_info const &info, unsigned int &category,
+int qry_lib_db_executer::create_filter_key(const qry_lib_analyze_info &info, unsigned int &category,
                                            filter_keys &keys) {
     const char *table = info.get_table();
     const int key_code = info.get_exec_type() == QRY_LIB_DB_QUERY_TYPE_INSERT
@@ -111,32 +97,28 @@ int qry_lib_db_executer::create_filter_key(qry_lib_analyze_info const &info, uns
     return 0;
 }
 
-int qry_lib_db_executer::create_condition_key(qry_lib_analyze_info const &info, std::uint16_t index,
+int qry_lib_db_executer::create_condition_key(const qry_lib_analyze_info &info, std::uint16_t index,
                                               filter_keys &keys) {
     static constexpr char name[] = "create_filter_key";
-    QRY_LIB_COLUMN column;
-    QRY_LIB_OPERATION_TYPE operation;
-    QRY_LIB_JOIN_TYPE join;
-    std::int32_t quoted = 0;
-    const std::uint32_t get_code =
-        info.get_filter_cols(index, column.col_name, column.value.str_value, operation, join, quoted);
-    if (get_code != 0) {
-        return trace_code(name, 779, static_cast<int>(get_code));
+    const QRY_LIB_CONDITION *condition = info.filter_at(index);
+    if (condition == nullptr) {
+        return trace_code(name, 779, QRY_LIB_NO_SUCH_ITEM);
     }
-    column.type = QRY_LIB_COLUMN_TYPE_STR;
     QRY_LIB_ELEMENT_INFO element;
-    if (const int code = catalog_->get_info(info.get_table(), column.col_name, element); code != 0) {
+    if (const int code = catalog_->get_info(info.get_table(), condition->col_name.c_str(), element);
+        code != 0) {
         return trace_code(name, 786, code);
     }
     element_buffer buffer;
-    if (const int code = catalog_->conv_val_db2e_to_tbdb(element, column, buffer.data()); code != 0) {
+    if (const int code = catalog_->conv_text_to_tbdb(element, condition->value.str_value, buffer.data());
+        code != 0) {
         return trace_code(name, 801, code);
     }
-    set_filter_key(element, operation, join, value_in(buffer, element), keys);
+    set_filter_key(element, condition->operation, condition->join, value_in(buffer, element), keys);
     return 0;
 }
 
-int qry_lib_db_executer::create_primary_filter_key(char const *table, QRY_LIB_OPERATION_TYPE operation,
+int qry_lib_db_executer::create_primary_filter_key(const char *table, QRY_LIB_OPERATION_TYPE operation,
                                                    filter_keys &keys) {
     if (!catalog_->is_primary_filter_key(table)) {
         return 0;
@@ -158,8 +140,8 @@ int qry_lib_db_executer::create_primary_filter_key(char const *table, QRY_LIB_OP
     return 0;
 }
 
-int qry_lib_db_executer::create_primary_filter_key(char const *table, QRY_LIB_OPERATION_TYPE operation,
-                                                   qry_lib_analyze_info const &info, filter_keys &keys) {
+int qry_lib_db_executer::create_primary_filter_key(const char *table, QRY_LIB_OPERATION_TYPE operation,
+                                                   const qry_lib_analyze_info &info, filter_keys &keys) {
     std::list<QRY_LIB_ELEMENT_INFO> columns;
     if (const int code = catalog_->get_primary_key(table, columns); code != 0) {
         return trace_code(__func__, 945, code);

@@ -32,52 +32,54 @@ class qry_lib_db_executer {
     ~qry_lib_db_executer() { close_catalog(); }
 
     // Without a rowset a SELECT only searches. With one, the cursor ends before the first row.
-    int exec(qry_lib_analyze_info const &info);
-    int exec(qry_lib_analyze_info const &info, qry_lib_db_rowset_ &rowset);
-    int exec_internal(qry_lib_analyze_info const &info, qry_lib_db_rowset_ *rowset);
+    int exec(const qry_lib_analyze_info &info);
+    int exec(const qry_lib_analyze_info &info, qry_lib_db_rowset_ &rowset);
+    int exec_internal(const qry_lib_analyze_info &info, qry_lib_db_rowset_ *rowset);
 
     // A one-line summary of the query, for diagnosis. Written nowhere.
-    std::string log_out_put_analyze_info(qry_lib_analyze_info const &info) const;
+    std::string log_out_put_analyze_info(const qry_lib_analyze_info &info) const;
 
     // Selects the database for the operations below: 0, or 0xDB05 for an unknown one.
     int open_catalog(const char *db_name);
     void close_catalog() { qry_lib_table_element_factory::delete_elemet(&catalog_); }
 
     // Filter keys and search (filter_keys.cpp).
-    void set_filter_key(QRY_LIB_ELEMENT_INFO const &info, QRY_LIB_OPERATION_TYPE operation,
-                        QRY_LIB_JOIN_TYPE join, void const *value, filter_keys &keys);
-    int create_primary_filter_key(char const *table, QRY_LIB_OPERATION_TYPE operation, filter_keys &keys);
-    int create_primary_filter_key(char const *table, QRY_LIB_OPERATION_TYPE operation,
-                                  qry_lib_analyze_info const &info, filter_keys &keys);
+    void set_filter_key(const QRY_LIB_ELEMENT_INFO &info, QRY_LIB_OPERATION_TYPE operation,
+                        QRY_LIB_JOIN_TYPE join, const void *value, filter_keys &keys);
+    int create_primary_filter_key(const char *table, QRY_LIB_OPERATION_TYPE operation, filter_keys &keys);
+    int create_primary_filter_key(const char *table, QRY_LIB_OPERATION_TYPE operation,
+                                  const qry_lib_analyze_info &info, filter_keys &keys);
 
     // 0xDB05 when `value`, in the element's representation, marks a free record.
     int create_primary_filter_key_chk(QRY_LIB_ELEMENT_INFO info, char *value);
-    int create_filter_key(qry_lib_analyze_info const &info, unsigned int &category, filter_keys &keys);
+    int create_filter_key(const qry_lib_analyze_info &info, unsigned int &category, filter_keys &keys);
 
     // Appends the numbers of the matching records, ascending.
     int create_search_table_id(unsigned int category, filter_keys &keys, record_list &records);
 
     // SELECT and COUNT (select.cpp).
-    int exec_select(qry_lib_analyze_info const &info, record_list records, qry_lib_db_rowset_ &rowset);
-    int exec_select_proc(qry_lib_analyze_info const &info, record_list records, qry_lib_db_rowset_ &rowset);
+    int exec_select(const qry_lib_analyze_info &info, record_list records, qry_lib_db_rowset_ &rowset);
+    int exec_select_proc(const qry_lib_analyze_info &info, record_list records, qry_lib_db_rowset_ &rowset);
     int add_standard_cols(qry_lib_analyze_info &info);
 
-    // ORDER BY (sort.cpp). `count` is the byte size of the pointer array.
-    int sort_tbdb_table_id(qry_lib_analyze_info const &info, record_list const &records, record_list &sorted);
+    // ORDER BY (sort.cpp). A caller that gives its records up spares a copy of them. `count` is the byte size
+    // of the pointer array.
+    int sort_tbdb_table_id(const qry_lib_analyze_info &info, const record_list &records, record_list &sorted);
+    int sort_tbdb_table_id(const qry_lib_analyze_info &info, record_list &&records, record_list &sorted);
     int sort_tbdb_table_id_internal(void **items, std::uint32_t count, QRY_LIB_ODER_TYPE order,
                                     QRY_LIB_ELEMENT_INFO element, record_list records, record_list &sorted);
     int sort_internal(void **items, std::uint32_t count, QRY_LIB_ODER_TYPE order, char *block,
                       QRY_LIB_ELEMENT_INFO element, record_list records, record_list &sorted);
-    void create_sort_param(QRY_LIB_ELEMENT_INFO const &element, QRY_LIB_ODER_TYPE order, std::uint32_t count,
+    void create_sort_param(const QRY_LIB_ELEMENT_INFO &element, QRY_LIB_ODER_TYPE order, std::uint32_t count,
                            CMN_LIB_SORT_PARAM_T &param);
 
     // INSERT, UPDATE, DELETE (write.cpp). Writes made before a failure stay made.
-    int exec_insert(qry_lib_analyze_info const &info, unsigned int category, record_list records);
-    int exec_new_insert(qry_lib_analyze_info const &info, unsigned int category);
-    int exec_update_insert(qry_lib_analyze_info const &info, record_list records);
-    int exec_update(qry_lib_analyze_info const &info, record_list records);
-    int exec_delete(qry_lib_analyze_info const &info, unsigned int category, record_list records);
-    int set_tb_table(qry_lib_analyze_info const &info, record_list records);
+    int exec_insert(const qry_lib_analyze_info &info, unsigned int category, record_list records);
+    int exec_new_insert(const qry_lib_analyze_info &info, unsigned int category);
+    int exec_update_insert(const qry_lib_analyze_info &info, record_list records);
+    int exec_update(const qry_lib_analyze_info &info, record_list records);
+    int exec_delete(const qry_lib_analyze_info &info, unsigned int category, record_list records);
+    int set_tb_table(const qry_lib_analyze_info &info, record_list records);
 
   private:
     // A column of the statement, which owns it, and where it lies.
@@ -88,20 +90,17 @@ class qry_lib_db_executer {
     };
     using target_columns = std::vector<target_column>;
 
-    // Puts the records in the query's order; on failure they are lost.
-    int sort_records(qry_lib_analyze_info const &info, record_list &records);
-
-    int dispatch(qry_lib_analyze_info const &info, unsigned int category, record_list records,
+    int dispatch(const qry_lib_analyze_info &info, unsigned int category, record_list records,
                  qry_lib_db_rowset_ *rowset);
-    int create_condition_key(qry_lib_analyze_info const &info, std::uint16_t index, filter_keys &keys);
-    int read_rows(target_columns const &columns, const char *table, record_list const &records,
+    int create_condition_key(const qry_lib_analyze_info &info, std::uint16_t index, filter_keys &keys);
+    int read_rows(const target_columns &columns, const char *table, const record_list &records,
                   qry_lib_db_rowset_ &rowset);
 
     // Finds every column of the statement. The function and its two points are those of a column that cannot
     // be fetched and of one that the table does not have.
-    int resolve_columns(qry_lib_analyze_info const &info, const char *function, int fetch_line,
+    int resolve_columns(const qry_lib_analyze_info &info, const char *function, int fetch_line,
                         int unknown_line, target_columns &columns);
-    int write_column(target_column const &target, unsigned short record);
+    int write_column(const target_column &target, unsigned short record);
 
     qry_lib_table_element *catalog_ = nullptr;
 };

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "util/element_type.h"
+
 // One column: where its value lives in the element tables and how it is stored.
 struct QRY_LIB_ELEMENT_INFO {
     char name[40];
@@ -27,22 +29,3 @@ struct QRY_LIB_TABLE_DEF {
     const QRY_LIB_ELEMENT_DEF *elements;
     std::int16_t element_num;
 };
-
-namespace norvane {
-
-// The values of elem_type. The first six equal the type tags of result columns; a name is a string there.
-enum element_type : std::uint32_t {
-    element_int = 0,
-    element_uchar = 1,
-    element_ushort = 2,
-    element_uint = 3,
-    element_ulong = 4,
-    element_string = 5,
-    element_name = 6
-};
-
-constexpr bool is_string_element(std::uint32_t elem_type) {
-    return elem_type == element_string || elem_type == element_name;
-}
-
-} // namespace norvane

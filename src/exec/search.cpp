@@ -15,6 +15,8 @@
 
 using norvane::element_buffer;
 using norvane::is_string_element;
+using norvane::load_number;
+using norvane::number_width;
 using norvane::pool_block;
 using norvane::trace_return;
 
@@ -40,43 +42,10 @@ bool is_well_formed(const qry_lib_tb_list_filter_key_ &key) {
     return std::uint32_t{key.member_offset} + key.cmp_size <= sizeof key.value;
 }
 
-// Bytes of a number of the type; 0: no number, compared as bytes alone.
-std::uint32_t number_width(std::uint8_t elem_type) {
-    switch (elem_type) {
-    case norvane::element_int:
-    case norvane::element_uint:
-    case norvane::element_ulong:
-        return 4;
-    case norvane::element_uchar:
-        return 1;
-    case norvane::element_ushort:
-        return 2;
-    default:
-        return 0;
-    }
-}
-
-// The same where the key compares all of it.
+// Bytes of the number that the key compares whole; 0: it compares anything else.
 std::uint32_t whole_number_width(const qry_lib_tb_list_filter_key_ &key) {
     const std::uint32_t width = number_width(key.elem_type);
     return key.cmp_size == width ? width : 0;
-}
-
-std::uint32_t load_number(const char *from, std::uint32_t width) {
-    std::uint8_t one = 0;
-    std::uint16_t two = 0;
-    std::uint32_t four = 0;
-    switch (width) {
-    case 1:
-        std::memcpy(&one, from, 1);
-        return one;
-    case 2:
-        std::memcpy(&two, from, 2);
-        return two;
-    default:
-        std::memcpy(&four, from, 4);
-        return four;
-    }
 }
 
 // Compares as the bytes compare where the most significant byte comes first: as unsigned numbers, of which a
@@ -137,18 +106,14 @@ class value_range {
 
 // Where the value of a string key ends in the buffer at the latest; 0 where the schema has no such column.
 std::uint32_t find_value_end(std::uint32_t category, const qry_lib_tb_list_filter_key_ &key) {
-    for (const norvane::database_schema *database : norvane::databases) {
-        for (std::uint16_t t = 0; t < database->table_num; ++t) {
-            const QRY_LIB_TABLE_DEF &table = database->tables[t];
-            if (table.elements[0].info.category_id != category) {
-                continue;
-            }
-            for (std::int16_t i = 0; i < table.element_num; ++i) {
-                const QRY_LIB_ELEMENT_INFO &info = table.elements[i].info;
-                if (info.element_id == key.element_id && info.member_offset == key.member_offset) {
-                    return std::uint32_t{info.member_offset} + info.size;
-                }
-            }
+    const QRY_LIB_TABLE_DEF *table = norvane::find_table(category);
+    if (table == nullptr) {
+        return 0;
+    }
+    for (const QRY_LIB_ELEMENT_DEF &column : norvane::columns_of(*table)) {
+        const QRY_LIB_ELEMENT_INFO &info = column.info;
+        if (info.element_id == key.element_id && info.member_offset == key.member_offset) {
+            return std::uint32_t{info.member_offset} + info.size;
         }
     }
     return 0;
@@ -300,39 +265,26 @@ void free_records(qry_lib_tb_search_id search_id) {
 
 extern "C" {
 
-uint32_t qry_lib_tb_get_max_stc_table_number(uint32_t category, uint16_t *max) {
-    if (max == nullptr) {
-        return QRY_LIB_TABLE_ARGUMENT;
-    }
-    for (const QRY_LIB_TB_MAX_ROW &row : QRY_LIB_TB_MAX_TABLE) {
-        if (row.category == category) {
-            *max = row.max_number;
-            return 0;
-        }
-    }
-    return QRY_LIB_TABLE_ARGUMENT;
-}
-
-uint32_t qry_lib_tb_create_search_table_id(uint32_t category, uint16_t key_num,
-                                           qry_lib_tb_list_filter_key_ *keys, qry_lib_tb_search_id *search_id,
-                                           uint16_t *hit_num) {
-    if (const uint32_t code = check_arguments(key_num, keys, search_id, hit_num); code != 0) {
+std::uint32_t qry_lib_tb_create_search_table_id(std::uint32_t category, std::uint16_t key_num,
+                                                qry_lib_tb_list_filter_key_ *keys,
+                                                qry_lib_tb_search_id *search_id, std::uint16_t *hit_num) {
+    if (const std::uint32_t code = check_arguments(key_num, keys, search_id, hit_num); code != 0) {
         return code;
     }
-    uint16_t record_num = 0;
-    if (const uint32_t code = qry_lib_tb_get_max_stc_table_number(category, &record_num); code != 0) {
+    std::uint16_t record_num = 0;
+    if (const std::uint32_t code = qry_lib_tb_get_max_stc_table_number(category, &record_num); code != 0) {
         return trace_return(search_name, 422, code);
     }
     pool_block block;
-    if (block.take(record_num, sizeof(uint16_t)) != 0) {
+    if (block.take(record_num, sizeof(std::uint16_t)) != 0) {
         trace_return("qry_lib_tb_alloc_mem", 690, QRY_LIB_TABLE_ACCESS);
         return trace_return(search_name, 429, QRY_LIB_TABLE_ACCESS);
     }
     search_keys prepared(category, key_num, keys, record_num);
     element_buffer buffer;
-    uint16_t *records = block.as<uint16_t>();
-    uint16_t found = 0;
-    for (uint16_t position = 0; position < record_num; ++position) {
+    std::uint16_t *records = block.as<std::uint16_t>();
+    std::uint16_t found = 0;
+    for (std::uint16_t position = 0; position < record_num; ++position) {
         switch (test_row(position, prepared, buffer)) {
         case row_result::match:
             records[found++] = position;

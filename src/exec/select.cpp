@@ -11,13 +11,6 @@ namespace norvane {
 
 namespace {
 
-bool is_sorted(qry_lib_analyze_info const &info) {
-    char column[QRY_LIB_COLUMN_NAME_MAX + 1];
-    QRY_LIB_ODER_TYPE order;
-    info.get_order(column, order);
-    return order != QRY_LIB_ODER_TYPE_NOTHING;
-}
-
 // Copies a name in steps of so many bytes: a move or two instead of a call. No more, for what lies behind the
 // name in its array is another cache line, and a large result has to fetch each of them from memory.
 constexpr std::size_t name_step = 16;
@@ -32,7 +25,7 @@ void copy_name(char (&to)[Size], const char (&from)[Size], std::size_t length) {
 
 } // namespace
 
-int qry_lib_db_executer::exec_select(qry_lib_analyze_info const &info, record_list records,
+int qry_lib_db_executer::exec_select(const qry_lib_analyze_info &info, record_list records,
                                      qry_lib_db_rowset_ &rowset) {
     if (info.get_cols_num() != 0) {
         const int code = exec_select_proc(info, std::move(records), rowset);
@@ -66,30 +59,29 @@ int qry_lib_db_executer::add_standard_cols(qry_lib_analyze_info &info) {
     return 0;
 }
 
-int qry_lib_db_executer::exec_select_proc(qry_lib_analyze_info const &info, record_list records,
+int qry_lib_db_executer::exec_select_proc(const qry_lib_analyze_info &info, record_list records,
                                           qry_lib_db_rowset_ &rowset) {
     const auto row_num = static_cast<std::uint16_t>(records.size());
     if (qry_lib_db_rowset_lib().init_rowset(info.get_cols_num(), row_num, rowset) != 0) {
         return trace_code(__func__, 380, QRY_LIB_ROWSET_NOT_CREATED);
     }
     rowset_guard unfinished(rowset);
-    if (is_sorted(info)) {
-        if (const int code = sort_records(info, records); code != 0) {
-            return trace_code(__func__, 387, code);
-        }
+    record_list sorted;
+    if (const int code = sort_tbdb_table_id(info, std::move(records), sorted); code != 0) {
+        return trace_code(__func__, 387, code);
     }
     target_columns columns;
     if (const int code = resolve_columns(info, __func__, 400, 408, columns); code != 0) {
         return code;
     }
-    if (const int code = read_rows(columns, info.get_table(), records, rowset); code != 0) {
+    if (const int code = read_rows(columns, info.get_table(), sorted, rowset); code != 0) {
         return code;
     }
     unfinished.release();
     return 0;
 }
 
-int qry_lib_db_executer::resolve_columns(qry_lib_analyze_info const &info, const char *function,
+int qry_lib_db_executer::resolve_columns(const qry_lib_analyze_info &info, const char *function,
                                          int fetch_line, int unknown_line, target_columns &columns) {
     columns.reserve(info.get_cols_num());
     for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
@@ -108,8 +100,8 @@ int qry_lib_db_executer::resolve_columns(qry_lib_analyze_info const &info, const
 }
 
 // Writes each value once, where the caller will read it.
-int qry_lib_db_executer::read_rows(target_columns const &columns, const char *table,
-                                   record_list const &records, qry_lib_db_rowset_ &rowset) {
+int qry_lib_db_executer::read_rows(const target_columns &columns, const char *table,
+                                   const record_list &records, qry_lib_db_rowset_ &rowset) {
     static constexpr char name[] = "exec_select_proc";
     const qry_lib_db_rowset_lib rows;
     char table_name[sizeof QRY_LIB_COLUMN::table_name] = {};

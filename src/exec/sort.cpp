@@ -32,42 +32,30 @@ constexpr compare_kind_row compare_kinds[] = {
 
 } // namespace
 
-int qry_lib_db_executer::sort_tbdb_table_id(qry_lib_analyze_info const &info, record_list const &records,
+int qry_lib_db_executer::sort_tbdb_table_id(const qry_lib_analyze_info &info, const record_list &records,
                                             record_list &sorted) {
-    record_list own(records);
+    return sort_tbdb_table_id(info, record_list(records), sorted);
+}
+
+int qry_lib_db_executer::sort_tbdb_table_id(const qry_lib_analyze_info &info, record_list &&records,
+                                            record_list &sorted) {
     char column[QRY_LIB_COLUMN_NAME_MAX + 1];
     QRY_LIB_ODER_TYPE order;
     info.get_order(column, order);
     if (order == QRY_LIB_ODER_TYPE_NOTHING) {
-        sorted = std::move(own);
+        sorted = std::move(records);
         return 0;
     }
-    if (const int code = sort_records(info, own); code != 0) {
-        return code;
-    }
-    sorted.splice(sorted.end(), own);
-    return 0;
-}
-
-int qry_lib_db_executer::sort_records(qry_lib_analyze_info const &info, record_list &records) {
-    static constexpr char name[] = "sort_tbdb_table_id";
-    char column[QRY_LIB_COLUMN_NAME_MAX + 1];
-    QRY_LIB_ODER_TYPE order;
-    info.get_order(column, order);
     QRY_LIB_ELEMENT_INFO element;
     if (const int code = catalog_->get_info(info.get_table(), column, element); code != 0) {
-        return trace_code(name, 1233, code);
+        return trace_code(__func__, 1233, code);
     }
     pool_block items;
     if (items.take(records.size(), sizeof(void *)) != 0) {
-        return trace_code(name, 1243, QRY_LIB_NO_MEMORY);
+        return trace_code(__func__, 1243, QRY_LIB_NO_MEMORY);
     }
     const auto count = static_cast<std::uint32_t>(records.size() * sizeof(void *));
-    record_list sorted;
-    const int code =
-        sort_tbdb_table_id_internal(items.as<void *>(), count, order, element, std::move(records), sorted);
-    records = std::move(sorted);
-    return code;
+    return sort_tbdb_table_id_internal(items.as<void *>(), count, order, element, std::move(records), sorted);
 }
 
 int qry_lib_db_executer::sort_tbdb_table_id_internal(void **items, std::uint32_t count,
@@ -115,7 +103,7 @@ int qry_lib_db_executer::sort_internal(void **items, std::uint32_t count, QRY_LI
     return 0;
 }
 
-void qry_lib_db_executer::create_sort_param(QRY_LIB_ELEMENT_INFO const &element, QRY_LIB_ODER_TYPE order,
+void qry_lib_db_executer::create_sort_param(const QRY_LIB_ELEMENT_INFO &element, QRY_LIB_ODER_TYPE order,
                                             std::uint32_t count, CMN_LIB_SORT_PARAM_T &param) {
     param = CMN_LIB_SORT_PARAM_T{};
     param.key_offset = record_number_size;

@@ -15,13 +15,13 @@ bool fits_element(const QRY_LIB_COLUMN &column, const QRY_LIB_ELEMENT_INFO &elem
 
 } // namespace
 
-int qry_lib_db_executer::exec_insert(qry_lib_analyze_info const &info, unsigned int category,
+int qry_lib_db_executer::exec_insert(const qry_lib_analyze_info &info, unsigned int category,
                                      record_list records) {
     // An existing key is overwritten.
     return records.empty() ? exec_new_insert(info, category) : exec_update_insert(info, std::move(records));
 }
 
-int qry_lib_db_executer::exec_new_insert(qry_lib_analyze_info const &info, unsigned int category) {
+int qry_lib_db_executer::exec_new_insert(const qry_lib_analyze_info &info, unsigned int category) {
     filter_keys keys;
     if (const int code = create_primary_filter_key(info.get_table(), QRY_LIB_OPERATION_TYPE_EQUAL, keys);
         code != 0) {
@@ -38,12 +38,12 @@ int qry_lib_db_executer::exec_new_insert(qry_lib_analyze_info const &info, unsig
     return code == 0 ? 0 : trace_code(__func__, 615, code);
 }
 
-int qry_lib_db_executer::exec_update_insert(qry_lib_analyze_info const &info, record_list records) {
+int qry_lib_db_executer::exec_update_insert(const qry_lib_analyze_info &info, record_list records) {
     const int code = set_tb_table(info, std::move(records));
     return code == 0 ? 0 : trace_code(__func__, 642, code);
 }
 
-int qry_lib_db_executer::exec_update(qry_lib_analyze_info const &info, record_list records) {
+int qry_lib_db_executer::exec_update(const qry_lib_analyze_info &info, record_list records) {
     if (records.empty()) {
         return trace_code(__func__, 705, QRY_LIB_NO_SUCH_ITEM);
     }
@@ -51,7 +51,7 @@ int qry_lib_db_executer::exec_update(qry_lib_analyze_info const &info, record_li
     return code == 0 ? 0 : trace_code(__func__, 712, code);
 }
 
-int qry_lib_db_executer::exec_delete(qry_lib_analyze_info const &, unsigned int category,
+int qry_lib_db_executer::exec_delete(const qry_lib_analyze_info &, unsigned int category,
                                      record_list records) {
     for (const unsigned short record : records) {
         if (qry_lib_tb_reset_one_stc_table(category, record) != 0) {
@@ -61,7 +61,7 @@ int qry_lib_db_executer::exec_delete(qry_lib_analyze_info const &, unsigned int 
     return 0;
 }
 
-int qry_lib_db_executer::set_tb_table(qry_lib_analyze_info const &info, record_list records) {
+int qry_lib_db_executer::set_tb_table(const qry_lib_analyze_info &info, record_list records) {
     target_columns columns;
     if (const int code = resolve_columns(info, __func__, 1134, 1142, columns); code != 0) {
         return code;
@@ -84,7 +84,7 @@ int qry_lib_db_executer::set_tb_table(qry_lib_analyze_info const &info, record_l
     return 0;
 }
 
-int qry_lib_db_executer::write_column(target_column const &target, unsigned short record) {
+int qry_lib_db_executer::write_column(const target_column &target, unsigned short record) {
     static constexpr char name[] = "set_tb_table";
     const QRY_LIB_ELEMENT_INFO &element = target.element;
     element_buffer buffer;

@@ -13,10 +13,6 @@ namespace norvane {
 
 namespace {
 
-std::uint32_t refuse(const char *function, int line) {
-    return trace_return(function, line, QRY_LIB_NOT_ACCEPTED);
-}
-
 // A reference of the form table.column, both parts trimmed.
 struct column_reference {
     std::string table;
@@ -338,6 +334,7 @@ std::uint32_t qry_lib_sql_parser::set_link_filter_cols(qry_lib_analyze_info &inf
     for (std::uint16_t i = 0; i < info.get_filter_cols_num(); ++i) {
         bool is_join = false;
         if (const std::uint32_t code = splitter.take_over(i, is_join); code != 0) {
+            // A text that already names its joins shows what failed; any other lacks joins in the first place.
             return join_num >= joins_needed ? code : std::uint32_t{QRY_LIB_NOT_ACCEPTED};
         }
         join_num += is_join ? 1 : 0;

@@ -6,8 +6,9 @@
 #include <string>
 #include <vector>
 
+#include <qrylib/types.h>
+
 #include "parser/qry_lib_analyze_info.h"
-#include "qrylib/types.h"
 
 namespace norvane {
 

@@ -5,8 +5,9 @@
 #include <string>
 #include <vector>
 
+#include <qrylib/types.h>
+
 #include "link/qry_lib_analyze_link_info.h"
-#include "qrylib/types.h"
 
 namespace norvane {
 

@@ -3,40 +3,16 @@
 #include <cstring>
 
 #include "api/qry_lib_db_rowset_lib.h"
-#include "exec/qry_lib_element_info.h"
 #include "link/qry_lib_db_rowset_link_lib.h"
+#include "util/element_type.h"
 #include "util/trace.h"
 
 namespace norvane {
 
 namespace {
 
-int refuse(const char *function, int line) {
+int fail(const char *function, int line) {
     return trace_code(function, line, QRY_LIB_INVALID_ARGUMENT);
-}
-
-// A value as the join compares it.
-struct comparable {
-    enum class value_kind { number, string, none } kind;
-    std::uint32_t bits;
-};
-
-comparable comparable_value(const QRY_LIB_COLUMN &column) {
-    switch (static_cast<std::uint32_t>(column.type)) {
-    case element_int:
-    case element_uint:
-    case element_ulong:
-        return {comparable::value_kind::number, column.value.ulong_value};
-    case element_uchar:
-        return {comparable::value_kind::number, column.value.uchar_value};
-    case element_ushort:
-        return {comparable::value_kind::number, column.value.ushort_value};
-    case element_string:
-    case element_name:
-        return {comparable::value_kind::string, 0};
-    default:
-        return {comparable::value_kind::none, 0};
-    }
 }
 
 const QRY_LIB_COLUMN *find_column(const QRY_LIB_RECORD_LINK &record, const char *table_name,
@@ -55,10 +31,10 @@ int qry_lib_db_rowset_link_lib::link_rowset(const qry_lib_analyze_link_info &lin
                                             qry_lib_db_rowset_ &rowset) {
     const std::uint16_t table_num = link_info.get_rowset_num();
     if (table_num <= 1) {
-        return refuse(__func__, 95);
+        return fail(__func__, 95);
     }
     if (static_cast<int>(link_info.get_link_num()) < table_num - 1) {
-        return refuse(__func__, 101);
+        return fail(__func__, 101);
     }
     const qry_lib_db_rowset_lib rows;
     QRY_LIB_ROWSET_LINK joined;
@@ -80,7 +56,7 @@ int qry_lib_db_rowset_link_lib::link_rowset(const qry_lib_analyze_link_info &lin
             break;
         }
     }
-    return covert_rowset(joined, link_info, rowset) == 0 ? 0 : refuse(__func__, 312);
+    return covert_rowset(joined, link_info, rowset) == 0 ? 0 : fail(__func__, 312);
 }
 
 int qry_lib_db_rowset_link_lib::take_first(qry_lib_db_rowset_ &table, QRY_LIB_ROWSET_LINK &joined) {
@@ -89,7 +65,7 @@ int qry_lib_db_rowset_link_lib::take_first(qry_lib_db_rowset_ &table, QRY_LIB_RO
     joined.records.reserve(row_num);
     for (std::uint16_t row = 0; row < row_num; ++row) {
         if (rows.next_record_index(table) == 0) {
-            return refuse("link_rowset", 136);
+            return fail("link_rowset", 136);
         }
         QRY_LIB_RECORD_LINK &record = joined.records.emplace_back();
         append_row(table, "add_col", record);
@@ -124,7 +100,7 @@ int qry_lib_db_rowset_link_lib::join_table(const qry_lib_analyze_link_info &link
     QRY_LIB_RECORD_LINK candidate;
     for (std::uint16_t row = 0; row < row_num; ++row) {
         if (rows.next_record_index(table) == 0) {
-            return refuse("link_rowset", 242);
+            return fail("link_rowset", 242);
         }
         if (const int code = join_row(table, keys, previous, candidate, joined); code != 0) {
             return code;
@@ -142,16 +118,16 @@ int qry_lib_db_rowset_link_lib::select_keys(const qry_lib_analyze_link_info &lin
     const qry_lib_db_rowset_lib rows;
     qry_lib_db_rowset_ first_row = table;
     if (rows.next_record_index(first_row) == 0) {
-        return refuse(name, 175);
+        return fail(name, 175);
     }
     const QRY_LIB_COLUMN *column = rows.col_at(first_row, 0);
     if (column == nullptr) {
-        return refuse(name, 181);
+        return fail(name, 181);
     }
     for (std::uint16_t l = 0; l < link_info.get_link_num(); ++l) {
         QRY_LIB_LINK link;
         if (link_info.get_link(l, link) != 0) {
-            return refuse(name, 195);
+            return fail(name, 195);
         }
         join_key key{};
         bool in_table = false;
@@ -159,7 +135,7 @@ int qry_lib_db_rowset_link_lib::select_keys(const qry_lib_analyze_link_info &lin
         for (const QRY_LIB_COLUMN *side : {&link.left, &link.right}) {
             if (std::strcmp(side->table_name, column->table_name) == 0) {
                 if (rows.get_col_index(table, side->table_name, side->col_name, key.index) != 0) {
-                    return refuse(name, 206);
+                    return fail(name, 206);
                 }
                 in_table = true;
             } else if (find_column(first, side->table_name, side->col_name) != nullptr) {
@@ -172,7 +148,7 @@ int qry_lib_db_rowset_link_lib::select_keys(const qry_lib_analyze_link_info &lin
             keys.push_back(std::move(key));
         }
     }
-    return keys.empty() ? refuse(name, 233) : 0;
+    return keys.empty() ? fail(name, 233) : 0;
 }
 
 // Joins the row under the cursor with every row before it whose keys all equal its own. Each copy goes into
@@ -187,7 +163,7 @@ int qry_lib_db_rowset_link_lib::join_row(const qry_lib_db_rowset_ &table, const 
         for (auto key = keys.begin(); hit && key != keys.end(); ++key) {
             const QRY_LIB_COLUMN *column = rows.col_at(table, key->index);
             if (column == nullptr) {
-                return refuse("link_rowset", 256);
+                return fail("link_rowset", 256);
             }
             const QRY_LIB_COLUMN *other =
                 find_column(candidate, key->table_name.c_str(), key->col_name.c_str());
@@ -207,15 +183,14 @@ int qry_lib_db_rowset_link_lib::join_row(const qry_lib_db_rowset_ &table, const 
 }
 
 int qry_lib_db_rowset_link_lib::check_column_hit(const QRY_LIB_COLUMN &a, const QRY_LIB_COLUMN &b) {
-    const comparable left = comparable_value(a);
-    const comparable right = comparable_value(b);
-    if (left.kind != right.kind || left.kind == comparable::value_kind::none) {
-        return 0;
-    }
-    if (left.kind == comparable::value_kind::string) {
+    if (is_string_element(a.type) && is_string_element(b.type)) {
         return std::strncmp(a.value.str_value, b.value.str_value, sizeof a.value.str_value) == 0 ? 1 : 0;
     }
-    return left.bits == right.bits ? 1 : 0;
+    const std::uint32_t a_width = number_width(a.type);
+    const std::uint32_t b_width = number_width(b.type);
+    return a_width != 0 && b_width != 0 && load_number(&a.value, a_width) == load_number(&b.value, b_width)
+               ? 1
+               : 0;
 }
 
 void qry_lib_db_rowset_link_lib::free_record(QRY_LIB_RECORD_LINK &record) {
@@ -238,12 +213,12 @@ int qry_lib_db_rowset_link_lib::covert_rowset(QRY_LIB_ROWSET_LINK &rows,
         col_num = rows.records.empty() ? 1 : static_cast<std::uint16_t>(rows.records.front().cols.size());
     }
     if (lib.init_rowset(col_num, row_num, rowset) != 0) {
-        return refuse(__func__, 565);
+        return fail(__func__, 565);
     }
     rowset_guard unfinished(rowset);
     for (std::uint16_t row = 0; row < row_num; ++row) {
         if (const int line = fill_next_row(rows.records[row], link_info, col_num, rowset); line != 0) {
-            return refuse(__func__, line);
+            return fail(__func__, line);
         }
     }
     unfinished.release();

@@ -7,7 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "qrylib/types.h"
+#include <qrylib/types.h>
+
 #include "util/chunked_list.h"
 
 namespace norvane {

@@ -1,6 +1,7 @@
 // Statement records: what a caller built field by field becomes the same analyzed query that text becomes.
 #include "parser/qry_lib_sql_parser.h"
 #include "util/bounded_text.h"
+#include "util/element_type.h"
 #include "util/trace.h"
 
 namespace norvane {
@@ -12,18 +13,10 @@ bool is_blank(const char *text) {
     return text == nullptr || text[0] == '\0';
 }
 
-std::uint32_t refuse(const char *function, int line) {
-    return trace_return(function, line, QRY_LIB_NOT_ACCEPTED);
-}
-
-bool is_string_type(QRY_LIB_COLUMN_TYPE type) {
-    return type == QRY_LIB_COLUMN_TYPE_STR || static_cast<std::uint32_t>(type) == 6;
-}
-
 // The caller's arrays end with a terminator.
 bool is_within_capacity(const QRY_LIB_COLUMN &column) {
     return fits(column.col_name, QRY_LIB_COLUMN_NAME_MAX) &&
-           (!is_string_type(column.type) || fits(column.value.str_value, QRY_LIB_STRING_MAX));
+           (!is_string_element(column.type) || fits(column.value.str_value, QRY_LIB_STRING_MAX));
 }
 
 // Sets type, database and table. 0xDB00, traced, for a table name beyond its capacity.
@@ -131,6 +124,7 @@ std::uint32_t qry_lib_sql_parser::analyze_param_select(const char *db_name, cons
         code != 0) {
         return code;
     }
+    // As large as a table's name, which is the contract's size for it; a column's name is cut to its own.
     char first[QRY_LIB_TABLE_NAME_MAX + 1] = {};
     if (record->cols != nullptr) {
         copy_bounded<QRY_LIB_COLUMN_NAME_MAX>(static_cast<char *>(first), record->cols[0].col_name);

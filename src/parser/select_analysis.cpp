@@ -30,20 +30,20 @@ std::uint32_t qry_lib_sql_parser::divide_clauses(const char *text, std::string &
     std::vector<std::string> at_select;
     unsigned int count = 0;
     if (divide_keyword(text, " SELECT ", count, at_select) != 0 || count != 2) {
-        return trace_return(name, 936, QRY_LIB_NOT_ACCEPTED);
+        return refuse(name, 936);
     }
     if (trim_space_front_rear(trim_both, at_select[0]) != 0 || !at_select[0].empty()) {
-        return trace_return(name, 945, QRY_LIB_NOT_ACCEPTED);
+        return refuse(name, 945);
     }
     std::vector<std::string> at_from;
     if (divide_keyword(at_select[1].c_str(), " FROM ", count, at_from) != 0 || count != 2) {
-        return trace_return(name, 957, QRY_LIB_NOT_ACCEPTED);
+        return refuse(name, 957);
     }
     std::string &list = at_from[0];
     const std::uint32_t code = trim_space_all(list.data());
     list.resize(std::strlen(list.c_str()));
     if (code != 0 || list.empty()) {
-        return trace_return(name, 967, QRY_LIB_NOT_ACCEPTED);
+        return refuse(name, 967);
     }
     cols = std::move(list);
     return divide_after_from(std::move(at_from[1]), tables, where, order);
@@ -55,7 +55,7 @@ std::uint32_t qry_lib_sql_parser::divide_after_from(std::string text, std::strin
     std::vector<std::string> at_order;
     const found sorted = find_two_keyword(text.c_str(), " ORDER ", " BY ", at_order).outcome;
     if (sorted == found::repeated || sorted == found::no_memory) {
-        return trace_return(name, 985, QRY_LIB_NOT_ACCEPTED);
+        return refuse(name, 985);
     }
     if (sorted == found::yes) {
         text = std::move(at_order[0]);
@@ -67,7 +67,7 @@ std::uint32_t qry_lib_sql_parser::divide_after_from(std::string text, std::strin
     std::vector<std::string> at_where;
     const found filtered = find_where(text.c_str(), at_where).outcome;
     if (filtered == found::repeated || filtered == found::no_memory) {
-        return trace_return(name, 1007, QRY_LIB_NOT_ACCEPTED);
+        return refuse(name, 1007);
     }
     if (filtered == found::yes) {
         where = std::move(at_where[0]);
@@ -75,7 +75,7 @@ std::uint32_t qry_lib_sql_parser::divide_after_from(std::string text, std::strin
         return 0;
     }
     if (!trimmed(text)) {
-        return trace_return(name, 1019, QRY_LIB_NOT_ACCEPTED);
+        return refuse(name, 1019);
     }
     tables = std::move(text);
     return 0;
@@ -89,16 +89,16 @@ std::uint32_t qry_lib_sql_parser::analyze_sql_select(const char *db_name, const 
     std::string where;
     std::string order;
     if (divide_select_reserve_str(sql, cols, tables, where, order) != 0) {
-        return trace_return(__func__, 165, QRY_LIB_NOT_ACCEPTED);
+        return refuse(__func__, 165);
     }
     if (const std::uint32_t code = set_select_tables(tables, info); code != 0) {
         return code;
     }
     if (!where.empty() && set_filter_str(where.c_str(), info) != 0) {
-        return trace_return(__func__, 213, QRY_LIB_NOT_ACCEPTED);
+        return refuse(__func__, 213);
     }
     if (!order.empty() && set_sort_str(order.c_str(), info) != 0) {
-        return trace_return(__func__, 222, QRY_LIB_NOT_ACCEPTED);
+        return refuse(__func__, 222);
     }
     return set_select_cols(cols, !order.empty(), info);
 }
@@ -109,10 +109,10 @@ std::uint32_t qry_lib_sql_parser::set_select_tables(const std::string &tables,
     unsigned int comma_num = 0;
     get_keyword_num(tables.c_str(), ",", comma_num);
     if (!can_divide(tables.c_str())) {
-        return trace_return(name, 172, QRY_LIB_NOT_ACCEPTED);
+        return refuse(name, 172);
     }
     if (comma_num >= count_max || (comma_num == 0 && tables.size() > QRY_LIB_TABLE_NAME_MAX)) {
-        return trace_return(name, __LINE__, QRY_LIB_NOT_ACCEPTED);
+        return refuse(name, __LINE__);
     }
     if (comma_num == 0) {
         info.set_table(tables.c_str());
@@ -125,10 +125,10 @@ std::uint32_t qry_lib_sql_parser::set_select_tables(const std::string &tables,
             return trace_return(name, 180, QRY_LIB_NO_MEMORY);
         }
         if (trim_space_front_rear(trim_both, table.as<char>()) != 0 || table.as<char>()[0] == '\0') {
-            return trace_return(name, 191, QRY_LIB_NOT_ACCEPTED);
+            return refuse(name, 191);
         }
         if (!fits(table.as<char>(), QRY_LIB_TABLE_NAME_MAX)) {
-            return trace_return(name, __LINE__, QRY_LIB_NOT_ACCEPTED);
+            return refuse(name, __LINE__);
         }
         info.add_table(table.as<char>());
     }
@@ -147,8 +147,7 @@ std::uint32_t qry_lib_sql_parser::set_select_cols(const std::string &cols, bool 
     get_keyword_num(list.as<char>(), ",", comma_num);
     get_keyword_num(list.as<char>(), "COUNT(*)", count_num);
     if (count_num > 0 && (comma_num > 0 || sorted)) {
-        trace_return(name, comma_num > 0 ? 242 : 249, QRY_LIB_OK);
-        return QRY_LIB_NOT_ACCEPTED;
+        return refuse_showing_0(name, comma_num > 0 ? 242 : 249);
     }
     if (count_num > 0) {
         info.set_exec_type(QRY_LIB_DB_QUERY_TYPE_COUNT);
@@ -156,19 +155,19 @@ std::uint32_t qry_lib_sql_parser::set_select_cols(const std::string &cols, bool 
     }
     info.set_exec_type(QRY_LIB_DB_QUERY_TYPE_SELECT);
     if (!can_divide(list.as<char>())) {
-        return trace_return(name, 269, QRY_LIB_NOT_ACCEPTED);
+        return refuse(name, 269);
     }
     if (comma_num >= count_max) {
-        return trace_return(name, __LINE__, QRY_LIB_NOT_ACCEPTED);
+        return refuse(name, __LINE__);
     }
     info.expect_cols(comma_num + 1);
     text_pieces items(list.as<char>(), ",");
     for (std::string_view item; items.next(item);) {
         if (item.empty()) {
-            return trace_return(name, 289, QRY_LIB_NOT_ACCEPTED);
+            return refuse(name, 289);
         }
         if (item.size() > QRY_LIB_COLUMN_NAME_MAX) {
-            return trace_return(name, __LINE__, QRY_LIB_NOT_ACCEPTED);
+            return refuse(name, __LINE__);
         }
         info.add_empty_col(item);
     }
@@ -185,7 +184,7 @@ std::uint32_t qry_lib_sql_parser::set_sort_str(const char *sort_phrase, qry_lib_
         return trace_return(__func__, 1604, code);
     }
     if (!fits(column.as<char>(), QRY_LIB_COLUMN_NAME_MAX)) {
-        return trace_return(__func__, __LINE__, QRY_LIB_NOT_ACCEPTED);
+        return refuse(__func__, __LINE__);
     }
     info.set_order(column.as<char>(), static_cast<QRY_LIB_ODER_TYPE>(order));
     return 0;
@@ -194,19 +193,21 @@ std::uint32_t qry_lib_sql_parser::set_sort_str(const char *sort_phrase, qry_lib_
 std::uint32_t qry_lib_sql_parser::analyze_sort(const char *sort_phrase, char *column,
                                                unsigned char &order) const {
     if (std::strchr(sort_phrase, ',') != nullptr) {
-        return trace_return(__func__, 2182, QRY_LIB_NOT_ACCEPTED);
+        return refuse(__func__, 2182);
     }
     unsigned int desc_num = 0;
     unsigned int asc_num = 0;
     get_keyword_num(sort_phrase, " DESC", desc_num);
     get_keyword_num(sort_phrase, " ASC", asc_num);
     if (desc_num > 0 && asc_num > 0) {
-        return trace_return(__func__, 2194, QRY_LIB_NOT_ACCEPTED);
+        return refuse(__func__, 2194);
     }
     if (desc_num == 0 && asc_num == 0) {
         std::memcpy(column, sort_phrase, std::strlen(sort_phrase) + 1);
         const std::uint32_t code = trim_space_front_rear(trim_both, column);
         if (code != 0 || column[0] == '\0') {
+            // A blank phrase is traced like a refusal and is none: the trim's 0 goes back, and the query runs
+            // unsorted.
             return trace_return(__func__, 2203, code);
         }
         order = QRY_LIB_ODER_TYPE_ASC;
@@ -223,14 +224,14 @@ std::uint32_t qry_lib_sql_parser::split_sort(const char *sort_phrase, const char
     std::vector<std::string> pieces;
     unsigned int count = 0;
     if (divide_keyword(sort_phrase, direction, count, pieces) != 0 || count != 2) {
-        return trace_return(name, 2226, QRY_LIB_NOT_ACCEPTED);
+        return refuse(name, 2226);
     }
     pool_block scratch;
     if (scratch.take_text(pieces[0]) != 0) {
         return trace_return(name, 2234, QRY_LIB_NO_MEMORY);
     }
     if (trim_space_front_rear(trim_both, scratch.as<char>()) != 0 || scratch.as<char>()[0] == '\0') {
-        return trace_return(name, 2243, QRY_LIB_NOT_ACCEPTED);
+        return refuse(name, 2243);
     }
     std::memcpy(column, scratch.as<char>(), std::strlen(scratch.as<char>()) + 1);
     return 0;

@@ -10,19 +10,9 @@ namespace {
 
 constexpr char function_name[] = "analyze_sql";
 
-std::uint32_t refuse(int line) {
-    return trace_return(function_name, line, QRY_LIB_NOT_ACCEPTED);
-}
-
-// Refuses with code 0 in the trace line, as service people know these two points.
-std::uint32_t refuse_showing_0(int line) {
-    trace_return(function_name, line, QRY_LIB_OK);
-    return QRY_LIB_NOT_ACCEPTED;
-}
-
 std::uint32_t set_checked_table(const std::string &table, qry_lib_analyze_info &info) {
     if (table.size() > QRY_LIB_TABLE_NAME_MAX) {
-        return refuse(__LINE__);
+        return refuse(function_name, __LINE__);
     }
     info.set_table(table.c_str());
     return 0;
@@ -55,12 +45,12 @@ std::uint32_t qry_lib_sql_parser::analyze_statement(const char *db_name, const c
     }
     const found order = find_two_keyword(text, " ORDER ", " BY ", parts).outcome;
     if (order == found::yes || order == found::no_memory) {
-        return refuse_showing_0(447);
+        return refuse_showing_0(function_name, 447);
     }
     info.set_db_name(db_name);
     const found create = find_two_keyword(text, " CREATE ", " TABLE ", parts).outcome;
     if (create == found::repeated || create == found::no_memory) {
-        return refuse(459);
+        return refuse(function_name, 459);
     }
     if (create == found::yes) {
         info.set_exec_type(QRY_LIB_DB_QUERY_TYPE_CREATE);
@@ -69,7 +59,7 @@ std::uint32_t qry_lib_sql_parser::analyze_statement(const char *db_name, const c
     info.set_exec_type(QRY_LIB_DB_QUERY_TYPE_DELETE);
     const found drop = find_two_keyword(text, " DROP ", " TABLE ", parts).outcome;
     if (drop == found::repeated || drop == found::no_memory) {
-        return refuse(482);
+        return refuse(function_name, 482);
     }
     return drop == found::yes ? analyze_drop(parts, info) : analyze_delete(text, info);
 }
@@ -80,15 +70,15 @@ std::uint32_t qry_lib_sql_parser::analyze_drop(std::vector<std::string> &parts,
     std::string &before = parts[0];
     std::string &table = parts[1];
     if (trim_space_front_rear(trim_both, before) != 0 || !before.empty()) {
-        return refuse(493);
+        return refuse(function_name, 493);
     }
     unsigned int where_num = 0;
     get_keyword_num(table.c_str(), " WHERE ", where_num);
     if (where_num > 0) {
-        return refuse_showing_0(503);
+        return refuse_showing_0(function_name, 503);
     }
     if (!trimmed(table)) {
-        return refuse(510);
+        return refuse(function_name, 510);
     }
     return set_checked_table(table, info);
 }
@@ -97,27 +87,27 @@ std::uint32_t qry_lib_sql_parser::analyze_delete(const char *text, qry_lib_analy
     std::vector<std::string> parts;
     const found from = find_two_keyword(text, " DELETE ", " FROM ", parts).outcome;
     if (from == found::repeated) {
-        return refuse(528);
+        return refuse(function_name, 528);
     }
     if (from != found::yes) {
-        return refuse(533);
+        return refuse(function_name, 533);
     }
     std::string &before = parts[0];
     std::string &table = parts[1];
     if (trim_space_front_rear(trim_both, before) != 0 || !before.empty()) {
-        return refuse(543);
+        return refuse(function_name, 543);
     }
     std::vector<std::string> clauses;
     const found where = find_where(table.c_str(), clauses).outcome;
     if (where == found::repeated || where == found::no_memory) {
-        return refuse(559);
+        return refuse(function_name, 559);
     }
     if (where == found::yes) {
         const std::uint32_t code = set_checked_table(clauses[1], info);
         return code != 0 ? code : set_filter_str(clauses[0].c_str(), info);
     }
     if (!trimmed(table)) {
-        return refuse(579);
+        return refuse(function_name, 579);
     }
     return set_checked_table(table, info);
 }

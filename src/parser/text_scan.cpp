@@ -38,6 +38,7 @@ span without_outer_blanks(unsigned char mode, const char *text, std::size_t leng
 } // namespace
 
 std::uint32_t qry_lib_sql_parser::trim_space_front_rear(unsigned char mode, char *text) const {
+    // Here a text without blanks takes no block, in the form for strings it does: callers' logs show which.
     if (std::strchr(text, blank) == nullptr) {
         return 0;
     }
@@ -153,13 +154,13 @@ qry_lib_sql_parser::search_result qry_lib_sql_parser::find_two_keyword(const cha
     std::vector<std::string> at_second;
     const bool no_memory = divide_keyword(scratch.as<char>(), second, count, at_second) != 0;
     if (no_memory || count != 2) {
-        const std::uint32_t code = trace_return(name, 1158, QRY_LIB_NOT_ACCEPTED);
+        const std::uint32_t code = refuse(name, 1158);
         return {no_memory ? found::no_memory : count > 2 ? found::repeated : found::absent, code, count};
     }
     std::string &between = at_second[0];
     const std::uint32_t trim_code = trim_space_front_rear(trim_both, between);
     if (trim_code != 0 || !between.empty()) {
-        const std::uint32_t code = trace_return(name, 1170, QRY_LIB_NOT_ACCEPTED);
+        const std::uint32_t code = refuse(name, 1170);
         return {trim_code != 0 ? found::no_memory : found::absent, code, count};
     }
     out.reserve(out.size() + 2);
@@ -222,7 +223,7 @@ std::uint32_t qry_lib_sql_parser::trim_single_q_str(std::string &value, int *quo
     }
     const std::size_t last = value.rfind('\'');
     if (last == 0) {
-        return trace_return(__func__, 2512, QRY_LIB_NOT_ACCEPTED);
+        return refuse(__func__, 2512);
     }
     value.assign(scratch.as<char>() + 1, last - 1);
     *quoted = 1;

@@ -45,10 +45,6 @@ operator_place find_operator(const char *condition) {
     return {nullptr, nullptr};
 }
 
-std::uint32_t refuse(int line) {
-    return trace_return(function_name, line, QRY_LIB_NOT_ACCEPTED);
-}
-
 // The lines of the refusals of one value, by where the value stands: it is blank, its quote is not closed, a
 // LIKE value is no prefix.
 struct value_lines {
@@ -72,17 +68,17 @@ std::uint32_t add_value(const qry_lib_sql_parser &parser, const comparison &comp
                         const value_lines &lines, qry_lib_analyze_info &info) {
     int quoted = 0;
     if (!parser.trimmed(value)) {
-        return refuse(lines.blank);
+        return refuse(function_name, lines.blank);
     }
     if (parser.trim_single_q_str(value, &quoted) != 0) {
-        return refuse(lines.quote);
+        return refuse(function_name, lines.quote);
     }
     if (compared.operation == QRY_LIB_OPERATION_TYPE_LIKE && parser.trim_percent_str(value) != 0) {
-        return refuse(lines.percent);
+        return refuse(function_name, lines.percent);
     }
     if (compared.column.size() > QRY_LIB_COLUMN_NAME_MAX || value.size() > QRY_LIB_STRING_MAX ||
         info.get_filter_cols_num() == UINT16_MAX) {
-        return refuse(__LINE__);
+        return refuse(function_name, __LINE__);
     }
     info.add_filter_cols(compared.column.c_str(), value.c_str(), compared.operation, compared.join, quoted);
     return 0;
@@ -92,13 +88,13 @@ std::uint32_t add_value(const qry_lib_sql_parser &parser, const comparison &comp
 std::uint32_t add_list(const qry_lib_sql_parser &parser, const comparison &compared, std::string &list,
                        qry_lib_analyze_info &info) {
     if (!parser.trimmed(list)) {
-        return refuse(plain_value.blank);
+        return refuse(function_name, plain_value.blank);
     }
     if (parser.trim_bracket_str(list) != 0) {
-        return refuse(1315);
+        return refuse(function_name, 1315);
     }
     if (!parser.can_divide(list.c_str())) {
-        return refuse(1322);
+        return refuse(function_name, 1322);
     }
     unsigned int comma_num = 0;
     parser.get_keyword_num(list.c_str(), ",", comma_num);
@@ -125,24 +121,23 @@ std::uint32_t qry_lib_sql_parser::set_filter_str(const char *where_text, qry_lib
     get_keyword_num(where_text, " AND ", and_num);
     get_keyword_num(where_text, " OR ", or_num);
     if (and_num > 0 && or_num > 0) {
-        trace_return(__func__, 1527, QRY_LIB_OK);
-        return QRY_LIB_NOT_ACCEPTED;
+        return refuse_showing_0(__func__, 1527);
     }
     if (and_num == 0 && or_num == 0) {
         if (divide_operate(where_text, QRY_LIB_JOIN_TYPE_AND, info) != 0) {
-            return trace_return(__func__, 1534, QRY_LIB_NOT_ACCEPTED);
+            return refuse(__func__, 1534);
         }
         return 0;
     }
     if (!can_divide(where_text)) {
-        return trace_return(__func__, 1552, QRY_LIB_NOT_ACCEPTED);
+        return refuse(__func__, 1552);
     }
     const QRY_LIB_JOIN_TYPE join = and_num > 0 ? QRY_LIB_JOIN_TYPE_AND : QRY_LIB_JOIN_TYPE_OR;
     info.expect_filter_cols(std::size_t{and_num} + or_num + 1);
     text_pieces conditions(where_text, and_num > 0 ? " AND " : " OR ");
     for (std::string_view condition; conditions.next(condition);) {
         if (add_condition(condition, join, info) != 0) {
-            return trace_return(__func__, 1561, QRY_LIB_NOT_ACCEPTED);
+            return refuse(__func__, 1561);
         }
     }
     return 0;
@@ -162,15 +157,15 @@ std::uint32_t qry_lib_sql_parser::add_condition(std::string_view condition, QRY_
     const char *text = scratch.as<char>();
     const operator_place place = find_operator(text);
     if (place.row == nullptr) {
-        return refuse(1271);
+        return refuse(function_name, 1271);
     }
     if (place.row == operators) {
-        return refuse(1257);
+        return refuse(function_name, 1257);
     }
     std::string column(text, place.at);
     std::string value(place.at + std::strlen(place.row->text), text + condition.size());
     if (!trimmed(column)) {
-        return refuse(1294);
+        return refuse(function_name, 1294);
     }
     switch (place.row->operation) {
     case QRY_LIB_OPERATION_TYPE_IN:

@@ -4,17 +4,16 @@
 #include <qrylib/device_data.h>
 #include <qrylib/element_table.h>
 
+#include "util/settings.h"
 #include "util/trace.h"
 
+using norvane::settings_category;
+using norvane::settings_elements;
 using norvane::trace_return;
 
 namespace {
 
-constexpr std::uint32_t setting_category = 0x04050300;
-
-// The setting's element by kind, 1 to 3.
-constexpr std::uint32_t setting_elements[] = {0x85004860, 0x85004888, 0x85004838};
-constexpr std::uint32_t kind_num = sizeof setting_elements / sizeof *setting_elements;
+constexpr std::uint32_t kind_num = sizeof settings_elements / sizeof *settings_elements;
 
 constexpr std::uint32_t count_once = 1;
 constexpr std::uint32_t count_twice = 2;
@@ -46,7 +45,8 @@ std::uint32_t qry_lib_get_doublecount_mode(std::uint32_t kind, std::uint32_t *mo
     if (mode == nullptr) {
         return QRY_LIB_BAD_PARAMETER;
     }
-    const std::uint32_t code = qry_lib_tb_get_stc_status(setting_category, setting_elements[kind - 1], mode);
+    const std::uint32_t code =
+        qry_lib_tb_get_stc_status(settings_category, settings_elements[kind - 1], mode);
     return code == 0 ? 0 : trace_return(__func__, 168, convert_table_code(code));
 }
 

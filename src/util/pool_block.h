@@ -7,8 +7,9 @@
 #include <string_view>
 #include <utility>
 
+#include <qrylib/types.h>
+
 #include "platform/os.h"
-#include "qrylib/types.h"
 
 namespace norvane {
 

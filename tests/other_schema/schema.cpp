@@ -22,9 +22,6 @@ const database_schema adbk_schema = {"adbk_db", nullptr, 0};
 const database_schema department_schema = {"department_db", nullptr, 0};
 const database_schema usrac_schema = {"usrac_db", user_tables, 1};
 
-const database_schema *const databases[database_num] = {&adbk_schema, &department_schema, &usrac_schema,
-                                                        &log_schema};
-
 } // namespace norvane
 
 // The rows behind these are of category 0, which no table has.

@@ -2,13 +2,6 @@
 // empty search. Some categories belong to element tables outside the four databases.
 #include "exec/schema/schema.h"
 
-namespace norvane {
-
-const database_schema *const databases[database_num] = {&adbk_schema, &department_schema, &usrac_schema,
-                                                        &log_schema};
-
-} // namespace norvane
-
 const QRY_LIB_TB_MAX_ROW QRY_LIB_TB_MAX_TABLE[QRY_LIB_TB_MAX_NUM] = {
     {0x05090400, 10, 0},  {0x05090401, 0, 0},  {0x05090402, 0, 0},   {0x06070904, 0, 0},  {0x05180403, 0, 0},
     {0x05080404, 101, 0}, {0x05090405, 0, 0},  {0x05090406, 0, 0},   {0x06170500, 16, 0}, {0x06170501, 8, 0},

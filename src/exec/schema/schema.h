@@ -19,6 +19,16 @@ extern const QRY_LIB_TB_MAX_ROW QRY_LIB_TB_MAX_TABLE[QRY_LIB_TB_MAX_NUM];
 
 namespace norvane {
 
+// Rows that lie together, for going through them.
+template <typename Row>
+struct row_range {
+    const Row *rows;
+    std::size_t num;
+
+    const Row *begin() const { return rows; }
+    const Row *end() const { return rows + num; }
+};
+
 // The tables of one database, in stored order.
 struct database_schema {
     const char *name;
@@ -34,6 +44,23 @@ extern const database_schema log_schema;
 // The four databases in the order in which they are looked up.
 constexpr std::size_t database_num = 4;
 extern const database_schema *const databases[database_num];
+
+inline row_range<QRY_LIB_TABLE_DEF> tables_of(const database_schema &database) {
+    return {database.tables, database.table_num};
+}
+inline row_range<QRY_LIB_ELEMENT_DEF> columns_of(const QRY_LIB_TABLE_DEF &table) {
+    return {table.elements, static_cast<std::size_t>(table.element_num)};
+}
+inline std::uint32_t category_of(const QRY_LIB_TABLE_DEF &table) {
+    return table.elements[0].info.category_id;
+}
+
+// Exact, case-sensitive matches; null where there is none. The category of a capacity need not be a table's.
+const database_schema *find_database(const char *name);
+const QRY_LIB_TABLE_DEF *find_table(const database_schema &database, const char *name);
+const QRY_LIB_TABLE_DEF *find_table(std::uint32_t category);
+const QRY_LIB_ELEMENT_DEF *find_column(row_range<QRY_LIB_ELEMENT_DEF> columns, const char *name);
+const QRY_LIB_TB_MAX_ROW *find_capacity(std::uint32_t category);
 
 // No member of a composite element starts beyond this offset.
 constexpr std::size_t member_offset_max = 256;
