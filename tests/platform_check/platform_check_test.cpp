@@ -30,13 +30,13 @@ class platform_check_test : public ::testing::Test {
     }
 };
 
-TEST_F(platform_check_test, TheWorkstationIsAsTheLibraryNeedsIt) {
+TEST_F(platform_check_test, the_workstation_is_as_the_library_needs_it) {
     const report found = check_platform(options());
     EXPECT_EQ(found.finding_num(), 0u) << found.text();
     EXPECT_EQ(found.chapters().size(), 10u);
 }
 
-TEST_F(platform_check_test, LeavesRecordsAndBlocksAsTheyWere) {
+TEST_F(platform_check_test, leaves_records_and_blocks_as_they_were) {
     const std::uint32_t blocks = qryhost_pool_blocks();
     char name[3001] = "Sato";
     tbctSTCSetTable(0x2301, 0x05090400, 1, 0x4091F000, name);
@@ -54,7 +54,7 @@ TEST_F(platform_check_test, LeavesRecordsAndBlocksAsTheyWere) {
     EXPECT_EQ(qryhost_pool_blocks(), blocks);
 }
 
-TEST_F(platform_check_test, SaysWhichDirectoryItMayNotUse) {
+TEST_F(platform_check_test, says_which_directory_it_may_not_use) {
     options where;
     where.directory = 77;
     ASSERT_EQ(check_platform(where).finding_num(), 0u);
@@ -71,9 +71,14 @@ struct refused_call {
     const char *function;
 };
 
+// What a failure prints of the row that it happened in.
+void PrintTo(const refused_call &row, std::ostream *out) {
+    *out << row.function;
+}
+
 class refusal_test : public platform_check_test, public ::testing::WithParamInterface<refused_call> {};
 
-TEST_P(refusal_test, NamesTheFunctionAndItsCode) {
+TEST_P(refusal_test, names_the_function_and_its_code) {
     qryhost_fail(GetParam().call, 0, 1000000, 0x4321);
     const report found = check_platform(options());
     EXPECT_TRUE(found.mentions(GetParam().function)) << found.text();
@@ -82,7 +87,7 @@ TEST_P(refusal_test, NamesTheFunctionAndItsCode) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    EveryCall, refusal_test,
+    every_call, refusal_test,
     ::testing::Values(
         refused_call{QRYHOST_ALLOC, "pfwOSWOrgAllocMemPart"},
         refused_call{QRYHOST_CREATE_MUTEX, "pfwOSWCreateMutexSem"},
@@ -112,9 +117,13 @@ struct wrong_behaviour {
     const char *words;
 };
 
+void PrintTo(const wrong_behaviour &row, std::ostream *out) {
+    *out << row.function << ", " << row.words;
+}
+
 class behaviour_test : public platform_check_test, public ::testing::WithParamInterface<wrong_behaviour> {};
 
-TEST_P(behaviour_test, IsSaidInPlainWords) {
+TEST_P(behaviour_test, is_said_in_plain_words) {
     test::inject(GetParam().wrong);
     const report found = check_platform(options());
     test::inject(fault::none);
@@ -129,7 +138,7 @@ TEST_P(behaviour_test, IsSaidInPlainWords) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    EveryFault, behaviour_test,
+    every_fault, behaviour_test,
     ::testing::Values(
         wrong_behaviour{fault::block_misaligned, "pfwOSWOrgAllocMemPart", "not aligned"},
         wrong_behaviour{fault::block_shared, "pfwOSWOrgAllocMemPart", "overlap"},

@@ -11,7 +11,7 @@ words candidates(const std::string &line) {
     return qrysh::complete_line("adbk_db", line, line.size()).candidates;
 }
 
-TEST(CommandCompletion, CommandsAndTheirWords) {
+TEST(command_completion, commands_and_their_words) {
     EXPECT_EQ(candidates(".dat"), words{".databases"});
     EXPECT_EQ(candidates(".db us"), words{"usrac_db"});
     EXPECT_EQ(candidates(".help .wa"), words{".watch"});
@@ -19,7 +19,7 @@ TEST(CommandCompletion, CommandsAndTheirWords) {
     EXPECT_EQ(candidates(".explain SELECT PSN_K"), words{"PSN_KANA"});
 }
 
-TEST(CommandCompletion, AllElseIsAStatement) {
+TEST(command_completion, all_else_is_a_statement) {
     EXPECT_EQ(candidates("SELECT PSN_K"), words{"PSN_KANA"});
     EXPECT_EQ(candidates("DELETE FROM PSN_T"), words{"PSN_TBL"});
 }

@@ -31,30 +31,30 @@ std::string fault(std::string_view csv) {
     return "none";
 }
 
-TEST(CsvReader, RowsEndInEitherLineEnd) {
+TEST(csv_reader, rows_end_in_either_line_end) {
     EXPECT_EQ(texts("A,B\n1,2\r\n3,4"), (rows{{"A", "B"}, {"1", "2"}, {"3", "4"}}));
     EXPECT_EQ(texts("A\n"), (rows{{"A"}}));
     EXPECT_EQ(texts(""), rows{});
 }
 
-TEST(CsvReader, FieldsMayBeEmpty) {
+TEST(csv_reader, fields_may_be_empty) {
     EXPECT_EQ(texts(",\n\n,,"), (rows{{"", ""}, {""}, {"", "", ""}}));
     EXPECT_EQ(texts("\"\""), (rows{{""}}));
 }
 
-TEST(CsvReader, QuotesHoldCommasQuotesAndLineEnds) {
+TEST(csv_reader, quotes_hold_commas_quotes_and_line_ends) {
     EXPECT_EQ(texts("\"a,b\",\"c\"\"d\",\"e\r\nf\"\ng"), (rows{{"a,b", "c\"d", "e\r\nf"}, {"g"}}));
 }
 
-TEST(CsvReader, AByteOrderMarkIsSkipped) {
+TEST(csv_reader, a_byte_order_mark_is_skipped) {
     EXPECT_EQ(texts("\xEF\xBB\xBF\"A\",B"), (rows{{"A", "B"}}));
 }
 
-TEST(CsvReader, ALoneCarriageReturnIsText) {
+TEST(csv_reader, a_lone_carriage_return_is_text) {
     EXPECT_EQ(texts("a\rb\n"), (rows{{"a\rb"}}));
 }
 
-TEST(CsvReader, PlacesCountCharactersAndLines) {
+TEST(csv_reader, places_count_characters_and_lines) {
     const auto read = read_csv("鈴木,B\n\"x\ny\",D");
     EXPECT_EQ(read[0][1].place.column, 4U);
     EXPECT_EQ(read[1][0].place.line, 2U);
@@ -62,7 +62,7 @@ TEST(CsvReader, PlacesCountCharactersAndLines) {
     EXPECT_EQ(read[1][1].place.column, 4U);
 }
 
-TEST(CsvReader, WhatIsNoCsvIsRefusedAtItsPlace) {
+TEST(csv_reader, what_is_no_csv_is_refused_at_its_place) {
     EXPECT_EQ(fault("A\n1,\"x"), "2:3");
     EXPECT_EQ(fault("A\n\"x\"y"), "2:4");
     EXPECT_EQ(fault("a\"b"), "1:2");

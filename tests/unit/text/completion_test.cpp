@@ -19,19 +19,19 @@ bool holds(const words &all, const std::string &word) {
     return std::find(all.begin(), all.end(), word) != all.end();
 }
 
-TEST(Completion, KeywordsTablesAndColumns) {
+TEST(completion, keywords_tables_and_columns) {
     EXPECT_EQ(candidates("SEL"), words{"SELECT"});
     EXPECT_EQ(candidates("SELECT PSN_K"), words{"PSN_KANA"});
     EXPECT_EQ(candidates("DELETE FROM PSN_T"), words{"PSN_TBL"});
     EXPECT_EQ(candidates("SELECT NOTHING_SUCH"), words{});
 }
 
-TEST(Completion, TypedInAnyCase) {
+TEST(completion, typed_in_any_case) {
     EXPECT_EQ(candidates("sel"), words{"SELECT"});
     EXPECT_EQ(candidates("SELECT psn_kana"), words{"PSN_KANA"});
 }
 
-TEST(Completion, ColumnsAreThoseOfTheTablesNamed) {
+TEST(completion, columns_are_those_of_the_tables_named) {
     const std::string line = "SELECT  FROM PSN_TBL";
     const words named = complete("adbk_db", line, 7).candidates;
     EXPECT_TRUE(holds(named, "PSN_NAME"));
@@ -39,18 +39,18 @@ TEST(Completion, ColumnsAreThoseOfTheTablesNamed) {
     EXPECT_TRUE(holds(candidates("SELECT "), "FAX_PHONE"));
 }
 
-TEST(Completion, AJoinsColumnsCarryTheirTable) {
+TEST(completion, a_joins_columns_carry_their_table) {
     const std::string line = "SELECT DEPT_TBL.NA FROM DEPT_TBL, EDIT_CNT_TBL";
     EXPECT_EQ(complete("department_db", line, 18).candidates, words{"DEPT_TBL.NAME"});
 }
 
-TEST(Completion, TheWordBeginsBehindASeparator) {
+TEST(completion, the_word_begins_behind_a_separator) {
     EXPECT_EQ(complete("adbk_db", "SELECT PSN_ID,PSN_K", 19).word_begin, 14U);
     EXPECT_EQ(complete("adbk_db", "SEL", 3).word_begin, 0U);
     EXPECT_EQ(complete("adbk_db", "", 0).word_begin, 0U);
 }
 
-TEST(Completion, WhatAllBeginWith) {
+TEST(completion, what_all_begin_with) {
     EXPECT_EQ(common_start({"PSN_ID", "PSN_NAME"}), "PSN_");
     EXPECT_EQ(common_start({"A"}), "A");
     EXPECT_EQ(common_start({"A", "B"}), "");

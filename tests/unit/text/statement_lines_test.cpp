@@ -28,7 +28,7 @@ std::vector<std::string> statements(std::initializer_list<std::string_view> line
 
 using texts = std::vector<std::string>;
 
-TEST(StatementLines, AWholeLineIsAStatement) {
+TEST(statement_lines, a_whole_line_is_a_statement) {
     for (const char *line :
          {"SELECT A FROM T", "SELECT A FROM T ORDER BY ", "SELECT A FROM T WHERE A = 'x", "DELETE FROM T",
           "DROP TABLE T", "CREATE TABLE T", "INSERT INTO T (A) VALUES (1)", "INSERT INTO T (A) VALUES (1) x",
@@ -38,7 +38,7 @@ TEST(StatementLines, AWholeLineIsAStatement) {
     }
 }
 
-TEST(StatementLines, AnUnfinishedLineGoesOnToTheSemicolon) {
+TEST(statement_lines, an_unfinished_line_goes_on_to_the_semicolon) {
     for (const char *line :
          {"SELECT", "SELECT A", "SELECT A FROM", "SELECT A FROM T,", "SELECT A FROM T WHERE ", "DELETE",
           "DELETE FROM", "DROP TABLE", "DELETE FROM T WHERE A = 1 AND", "DELETE FROM T WHERE A IN (",
@@ -51,12 +51,12 @@ TEST(StatementLines, AnUnfinishedLineGoesOnToTheSemicolon) {
               (texts{"SELECT A FROM T WHERE A = 1;", "DROP TABLE T"}));
 }
 
-TEST(StatementLines, ALineEndAndTheBlanksAroundItAreOneBlank) {
+TEST(statement_lines, a_line_end_and_the_blanks_around_it_are_one_blank) {
     EXPECT_EQ(statements({"  SELECT A,\t ", "\t B\r", "", "  \t", "-- a comment", "FROM T ; "}),
               texts{"  SELECT A, B FROM T ; "});
 }
 
-TEST(StatementLines, BetweenQuotesEverythingStays) {
+TEST(statement_lines, between_quotes_everything_stays) {
     EXPECT_EQ(
         statements({"INSERT INTO T (A, B) VALUES ('it''s;\r", "", "  -- no comment;", ".quit', ", " 2);\r"}),
         texts{"INSERT INTO T (A, B) VALUES ('it''s;\r\n\n  -- no comment;\n.quit', 2);"});
@@ -64,7 +64,7 @@ TEST(StatementLines, BetweenQuotesEverythingStays) {
               texts{"UPDATE T SET A = 'x\ny' WHERE B = 'it's;"});
 }
 
-TEST(StatementLines, AnotherBeginningCutsAStatementOff) {
+TEST(statement_lines, another_beginning_cuts_a_statement_off) {
     statement_lines reader;
     EXPECT_FALSE(reader.is_cut_off_by("SELECT A FROM T"));
     ASSERT_FALSE(reader.add("DELETE FROM"));
@@ -78,7 +78,7 @@ TEST(StatementLines, AnotherBeginningCutsAStatementOff) {
     EXPECT_FALSE(reader.is_cut_off_by("SELECT A FROM T"));
 }
 
-TEST(StatementLines, OneSemicolonBelongsToTheShell) {
+TEST(statement_lines, one_semicolon_belongs_to_the_shell) {
     EXPECT_EQ(without_semicolon("A; "), "A");
     EXPECT_EQ(without_semicolon("A ;;"), "A ;");
     EXPECT_EQ(without_semicolon("A; B "), "A; B ");

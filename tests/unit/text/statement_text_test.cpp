@@ -30,7 +30,7 @@ cell value_of(const std::string &written) {
     return parse_write_statement("UPDATE T SET A = " + written).values.at(0).value;
 }
 
-TEST(StatementText, InsertGivesTableColumnsAndValues) {
+TEST(statement_text, insert_gives_table_columns_and_values) {
     const write_statement parsed =
         parse_write_statement("INSERT INTO PSN_TBL (PSN_ID, PSN_NAME) VALUES (11, 'Sato')");
     EXPECT_TRUE(parsed.is_insert);
@@ -43,7 +43,7 @@ TEST(StatementText, InsertGivesTableColumnsAndValues) {
     EXPECT_EQ(parsed.where, "");
 }
 
-TEST(StatementText, BlanksAreNeededOnlyBetweenWords) {
+TEST(statement_text, blanks_are_needed_only_between_words) {
     const write_statement parsed = parse_write_statement("  INSERT  INTO T(A,B)VALUES( 1 ,'x' )  ");
     EXPECT_EQ(parsed.table, "T");
     ASSERT_EQ(parsed.values.size(), 2U);
@@ -51,7 +51,7 @@ TEST(StatementText, BlanksAreNeededOnlyBetweenWords) {
     EXPECT_EQ(parse_write_statement("UPDATE T SET A=1,B='x'").values.size(), 2U);
 }
 
-TEST(StatementText, UpdatePassesItsConditionThrough) {
+TEST(statement_text, update_passes_its_condition_through) {
     const write_statement parsed =
         parse_write_statement("UPDATE T SET A = 1, B = 'x WHERE y' WHERE C = 'it''s'  AND D = 2 ");
     EXPECT_FALSE(parsed.is_insert);
@@ -59,17 +59,17 @@ TEST(StatementText, UpdatePassesItsConditionThrough) {
     EXPECT_EQ(parsed.where, "C = 'it''s'  AND D = 2");
 }
 
-TEST(StatementText, UpdateWithoutConditionConcernsEveryRow) {
+TEST(statement_text, update_without_condition_concerns_every_row) {
     EXPECT_EQ(parse_write_statement("UPDATE T SET A = 1").where, "");
 }
 
-TEST(StatementText, DoubledQuoteIsOneQuote) {
+TEST(statement_text, doubled_quote_is_one_quote) {
     EXPECT_EQ(value_of("'O''Hara'"), text("O'Hara"));
     EXPECT_EQ(value_of("''"), text(""));
     EXPECT_EQ(value_of("''''"), text("'"));
 }
 
-TEST(StatementText, NumbersHaveThirtyTwoBits) {
+TEST(statement_text, numbers_have_thirty_two_bits) {
     EXPECT_EQ(value_of("0"), number(0));
     EXPECT_EQ(value_of("+7"), number(7));
     EXPECT_EQ(value_of("-2147483648"), number(-2147483648LL));
@@ -80,14 +80,14 @@ TEST(StatementText, NumbersHaveThirtyTwoBits) {
     EXPECT_EQ(complaint("UPDATE T SET A = 99999999999999999999"), range);
 }
 
-TEST(StatementText, WhatIsNeitherNumberNorTextIsRefused) {
+TEST(statement_text, what_is_neither_number_nor_text_is_refused) {
     const std::string expected = "at character 18: expected a number or a text between single quotes";
     for (const char *const word : {"", "abc", "1x", "--1", "+-1", "-", "+", "\"x\"", "1.5", "NULL"}) {
         EXPECT_EQ(complaint(std::string("UPDATE T SET A = ") + word), expected) << word;
     }
 }
 
-TEST(StatementText, CapacitiesOfTheRecordAreKept) {
+TEST(statement_text, capacities_of_the_record_are_kept) {
     EXPECT_EQ(value_of("'" + std::string(2999, 'x') + "'"), text(std::string(2999, 'x')));
     EXPECT_EQ(complaint("UPDATE T SET A = '" + std::string(3000, 'x') + "'"),
               "at character 18: a value has at most 2999 characters");
@@ -104,14 +104,19 @@ struct refused_text {
     const char *complaint;
 };
 
-class StatementTextRefusal : public testing::TestWithParam<refused_text> {};
+// What a failure prints of the row that it happened in.
+void PrintTo(const refused_text &row, std::ostream *out) {
+    *out << row.text;
+}
 
-TEST_P(StatementTextRefusal, NamesThePlaceAndTheReason) {
+class statement_text_refusal : public testing::TestWithParam<refused_text> {};
+
+TEST_P(statement_text_refusal, names_the_place_and_the_reason) {
     EXPECT_EQ(complaint(GetParam().text), GetParam().complaint);
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Insert, StatementTextRefusal,
+    insert, statement_text_refusal,
     testing::Values(
         refused_text{"insert INTO T (A) VALUES (1)",
                      "at character 1: expected INSERT or UPDATE (keywords are upper case)"},
@@ -130,7 +135,7 @@ INSTANTIATE_TEST_SUITE_P(
                      "at character 30: expected the end of the statement"}));
 
 INSTANTIATE_TEST_SUITE_P(
-    Update, StatementTextRefusal,
+    update, statement_text_refusal,
     testing::Values(refused_text{"UPDATE", "at character 7: expected a table name"},
                     refused_text{"UPDATE T A = 1", "at character 10: expected SET (keywords are upper case)"},
                     refused_text{"UPDATE T SET = 1", "at character 14: expected a column name"},

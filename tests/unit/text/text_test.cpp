@@ -13,7 +13,7 @@ void expect_character(const std::string &bytes, char32_t code_point) {
     EXPECT_EQ(decode_character(bytes).length, bytes.size());
 }
 
-TEST(Text, DecodesEveryLength) {
+TEST(text, decodes_every_length) {
     expect_character("A", U'A');
     expect_character("\xC3\xA9", U'\u00E9');
     expect_character("\xE3\x81\x82", U'\u3042');
@@ -21,7 +21,7 @@ TEST(Text, DecodesEveryLength) {
     expect_character("\xF4\x8F\xBF\xBF", 0x10FFFF);
 }
 
-TEST(Text, RefusesWhatIsNotUtf8OneByteAtATime) {
+TEST(text, refuses_what_is_not_utf8_one_byte_at_a_time) {
     for (const char *const bytes : {"\x80", "\xC3", "\xC3(", "\xC0\x80", "\xE0\x80\x80", "\xED\xA0\x80",
                                     "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "\xFF"}) {
         EXPECT_EQ(decode_character(bytes).code_point, std::nullopt) << printable(bytes);
@@ -29,17 +29,17 @@ TEST(Text, RefusesWhatIsNotUtf8OneByteAtATime) {
     }
 }
 
-TEST(Text, PrintableLeavesOrdinaryTextAlone) {
+TEST(text, printable_leaves_ordinary_text_alone) {
     EXPECT_EQ(printable("O'Hara 佐藤 \\"), "O'Hara 佐藤 \\");
     EXPECT_EQ(printable(""), "");
 }
 
-TEST(Text, PrintableEscapesByteByByte) {
+TEST(text, printable_escapes_byte_by_byte) {
     EXPECT_EQ(printable("\xC2\x85"), "\\xC2\\x85");
     EXPECT_EQ(printable("a\xE3\x81"), "a\\xE3\\x81");
 }
 
-TEST(Text, WidthCountsTerminalColumns) {
+TEST(text, width_counts_terminal_columns) {
     EXPECT_EQ(qrytext::text_width(""), 0U);
     EXPECT_EQ(qrytext::text_width("Dubois"), 6U);
     EXPECT_EQ(qrytext::text_width("M\u00FCller"), 6U);
@@ -49,7 +49,7 @@ TEST(Text, WidthCountsTerminalColumns) {
     EXPECT_EQ(qrytext::text_width("\uFF01"), 2U);
 }
 
-TEST(Text, TrimTakesBlanksAndNothingElse) {
+TEST(text, trim_takes_blanks_and_nothing_else) {
     EXPECT_EQ(qrytext::trim("  a b "), "a b");
     EXPECT_EQ(qrytext::trim("\ta\t"), "\ta\t");
     EXPECT_EQ(qrytext::trim("  "), "");
