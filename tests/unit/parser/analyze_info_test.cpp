@@ -45,7 +45,7 @@ class analyze_info : public test::parser_test {
         EXPECT_STREQ(query.get_db_name(), "adbk_db");
         EXPECT_EQ(tables(query), (test::texts{"T", "U"}));
         EXPECT_EQ(columns(query), (test::texts{"A"}));
-        EXPECT_EQ(filters(query), (test::conditions{{"B", "b", 6, 2, 1}}));
+        EXPECT_EQ(filters(query), (test::conditions{like("B", "b").in_quotes().joined_by_or()}));
         EXPECT_EQ(order(query), "C 2");
     }
 };
@@ -98,7 +98,8 @@ TEST_F(analyze_info, conditions_keep_every_field) {
     info.set_table("MAIN");
     info.add_filter_cols("OTHER", "A", "1", QRY_LIB_OPERATION_TYPE_GREATER, QRY_LIB_JOIN_TYPE_AND, 0);
     info.add_filter_cols("B", "b", QRY_LIB_OPERATION_TYPE_NOT_EQUAL, QRY_LIB_JOIN_TYPE_OR, 1);
-    EXPECT_EQ(filters(info), (test::conditions{{"A", "1", 3, 1, 0}, {"B", "b", 1, 2, 1}}));
+    EXPECT_EQ(filters(info),
+              (test::conditions{greater("A", "1"), not_equal("B", "b").in_quotes().joined_by_or()}));
 
     const char *const expected[] = {"OTHER", "MAIN"};
     for (std::uint16_t i = 0; i < 2; ++i) {
@@ -192,7 +193,7 @@ TEST_F(analyze_info, names_and_values_are_kept_to_their_capacity) {
     info.set_order(col_name.c_str(), QRY_LIB_ODER_TYPE_ASC);
     EXPECT_EQ(tables(info), (test::texts{table_name}));
     EXPECT_EQ(columns(info), (test::texts{col_name}));
-    EXPECT_EQ(filters(info), (test::conditions{{col_name, text, 0, 1, 0}}));
+    EXPECT_EQ(filters(info), (test::conditions{equal(col_name, text)}));
     EXPECT_EQ(order(info), col_name + " 1");
 
     char table[QRY_LIB_TABLE_NAME_MAX + 1];
@@ -224,7 +225,7 @@ TEST_F(analyze_info, longer_names_and_values_never_leave_their_buffers) {
     const std::string col_name = endless.substr(0, QRY_LIB_COLUMN_NAME_MAX);
     EXPECT_EQ(tables(info), (test::texts{endless.substr(0, QRY_LIB_TABLE_NAME_MAX)}));
     EXPECT_EQ(columns(info), (test::texts{col_name}));
-    EXPECT_EQ(filters(info), (test::conditions{{col_name, endless.substr(0, QRY_LIB_STRING_MAX), 0, 1, 0}}));
+    EXPECT_EQ(filters(info), (test::conditions{equal(col_name, endless.substr(0, QRY_LIB_STRING_MAX))}));
     EXPECT_EQ(order(info), col_name + " 1");
 }
 

@@ -16,9 +16,28 @@ using traces = std::vector<return_trace>;
 using codes = std::vector<std::pair<std::string, std::uint32_t>>;
 using texts = std::vector<std::string>;
 
-// Column, value, operation, join, quoted.
-using condition = std::tuple<std::string, std::string, int, int, int>;
+// A condition as the analysis keeps it.
+struct condition {
+    std::string column;
+    std::string value;
+    QRY_LIB_OPERATION_TYPE operation;
+    QRY_LIB_JOIN_TYPE join = QRY_LIB_JOIN_TYPE_AND;
+    std::int32_t quoted = 0;
+
+    condition in_quotes() const { return {column, value, operation, join, 1}; }
+    condition joined_by_or() const { return {column, value, operation, QRY_LIB_JOIN_TYPE_OR, quoted}; }
+};
 using conditions = std::vector<condition>;
+
+inline bool operator==(const condition &a, const condition &b) {
+    return std::tie(a.column, a.value, a.operation, a.join, a.quoted) ==
+           std::tie(b.column, b.value, b.operation, b.join, b.quoted);
+}
+
+inline std::ostream &operator<<(std::ostream &out, const condition &shown) {
+    return out << shown.column << ", operation " << shown.operation << ", value " << shown.value << ", join "
+               << shown.join << ", quoted " << shown.quoted;
+}
 
 constexpr std::uint32_t refused = QRY_LIB_NOT_ACCEPTED;
 
@@ -63,6 +82,29 @@ class parser_test : public platform_test {
   protected:
     using analyzed = norvane::qry_lib_analyze_info;
 
+    // Conditions of each operation, joined by AND and without quotes unless more is said.
+    static condition equal(const std::string &column, const std::string &value) {
+        return {column, value, QRY_LIB_OPERATION_TYPE_EQUAL};
+    }
+    static condition not_equal(const std::string &column, const std::string &value) {
+        return {column, value, QRY_LIB_OPERATION_TYPE_NOT_EQUAL};
+    }
+    static condition less(const std::string &column, const std::string &value) {
+        return {column, value, QRY_LIB_OPERATION_TYPE_LESS};
+    }
+    static condition greater(const std::string &column, const std::string &value) {
+        return {column, value, QRY_LIB_OPERATION_TYPE_GREATER};
+    }
+    static condition less_equal(const std::string &column, const std::string &value) {
+        return {column, value, QRY_LIB_OPERATION_TYPE_LESS_EQUAL};
+    }
+    static condition greater_equal(const std::string &column, const std::string &value) {
+        return {column, value, QRY_LIB_OPERATION_TYPE_GREATER_EQUAL};
+    }
+    static condition like(const std::string &column, const std::string &value) {
+        return {column, value, QRY_LIB_OPERATION_TYPE_LIKE};
+    }
+
     static texts tables(const analyzed &query) {
         texts names;
         for (std::uint16_t i = 0; i < query.get_table_num(); ++i) {
@@ -94,7 +136,7 @@ class parser_test : public platform_test {
             QRY_LIB_JOIN_TYPE join;
             std::int32_t quoted;
             EXPECT_EQ(query.get_filter_cols(i, name, value, operation, join, quoted), 0u);
-            found.emplace_back(name, value, static_cast<int>(operation), static_cast<int>(join), quoted);
+            found.push_back({name, value, operation, join, quoted});
         }
         return found;
     }

@@ -110,9 +110,9 @@ TEST_F(record_analysis, each_type_reads_its_own_fields) {
         const char *order;
     } const rows[] = {
         {insert, {"A"}, {}, " 0"},
-        {update, {"A"}, {{"B", "2", 0, 1, 0}}, " 0"},
-        {remove_rows, {}, {{"B", "2", 0, 1, 0}}, " 0"},
-        {select_rows, {"A"}, {{"B", "2", 0, 1, 0}}, "C 2"},
+        {update, {"A"}, {equal("B", "2")}, " 0"},
+        {remove_rows, {}, {equal("B", "2")}, " 0"},
+        {select_rows, {"A"}, {equal("B", "2")}, "C 2"},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.type);
@@ -247,7 +247,7 @@ TEST_F(record_analysis, a_refused_condition_ends_the_statement) {
 TEST_F(record_analysis, a_refused_sort_phrase_ends_a_select) {
     set(select_rows, "T", {"A"}, "B = 2", "C, D");
     expect_refused({at("analyze_sort", 2182), at("set_sort_str", 1604), at("analyze_param_select", 724)});
-    EXPECT_EQ(filters(info), (conditions{{"B", "2", 0, 1, 0}}));
+    EXPECT_EQ(filters(info), (conditions{equal("B", "2")}));
     EXPECT_EQ(order(info), " 0");
 }
 
@@ -265,7 +265,7 @@ TEST_F(record_analysis, a_first_column_of_count_counts) {
         EXPECT_EQ(analyze(), 0u);
         EXPECT_EQ(info.get_exec_type(), QRY_LIB_DB_QUERY_TYPE_COUNT);
         EXPECT_EQ(info.get_cols_num(), 0);
-        EXPECT_EQ(filters(info), (conditions{{"B", "2", 0, 1, 0}}));
+        EXPECT_EQ(filters(info), (conditions{equal("B", "2")}));
         EXPECT_EQ(order(info), "C 2");
     }
     EXPECT_TRUE(take_traces().empty());

@@ -64,15 +64,15 @@ TEST_F(select_analysis, texts_become_tables_columns_conditions_and_sort) {
         {"SELECT PSN_ID, NAME FROM adbk WHERE PSN_ID > 3 ORDER BY NAME DESC",
          {"adbk"},
          {"PSN_ID", "NAME"},
-         {{"PSN_ID", "3", 3, 1, 0}},
+         {greater("PSN_ID", "3")},
          "NAME 2"},
         {"SELECT a.X, b.Y FROM a, b WHERE a.K = b.K",
          {"a", "b"},
          {"a.X", "b.Y"},
-         {{"a.K", "b.K", 0, 1, 0}},
+         {equal("a.K", "b.K")},
          " 0"},
         {"  SELECT   X ,  Y   FROM   t  ", {"t"}, {"X", "Y"}, {}, " 0"},
-        {"SELECT  X  FROM  t  WHERE  A = 1  ORDER   BY  X  ASC ", {"t"}, {"X"}, {{"A", "1", 0, 1, 0}}, "X 1"},
+        {"SELECT  X  FROM  t  WHERE  A = 1  ORDER   BY  X  ASC ", {"t"}, {"X"}, {equal("A", "1")}, "X 1"},
         {"SELECT X Y FROM t", {"t"}, {"XY"}, {}, " 0"},
         {"SELECT X FROM t u", {"t u"}, {"X"}, {}, " 0"},
         {"SELECT X FROM  a , b ,c ", {"a", "b", "c"}, {"X"}, {}, " 0"},
@@ -114,7 +114,7 @@ TEST_F(select_analysis, count_records_no_column) {
         texts tables;
         conditions filters;
     } const rows[] = {
-        {"SELECT COUNT(*) FROM adbk WHERE NAME LIKE 'a%'", {"adbk"}, {{"NAME", "a", 6, 1, 1}}},
+        {"SELECT COUNT(*) FROM adbk WHERE NAME LIKE 'a%'", {"adbk"}, {like("NAME", "a").in_quotes()}},
         {"SELECT COUNT ( * ) FROM adbk", {"adbk"}, {}},
         {"SELECT xCOUNT(*)y FROM adbk", {"adbk"}, {}},
         {"SELECT COUNT(*)COUNT(*) FROM a, b", {"a", "b"}, {}},
@@ -202,7 +202,7 @@ TEST_F(select_analysis, a_refused_column_list_leaves_tables_conditions_and_sort)
     EXPECT_EQ(info.get_exec_type(), QRY_LIB_DB_QUERY_TYPE_SELECT);
     EXPECT_EQ(tables(info), (texts{"t", "u"}));
     EXPECT_EQ(columns(info), (texts{"X"}));
-    EXPECT_EQ(filters(info), (conditions{{"A", "1", 0, 1, 0}}));
+    EXPECT_EQ(filters(info), (conditions{equal("A", "1")}));
     EXPECT_EQ(order(info), "B 2");
 
     EXPECT_EQ(analyze("SELECT COUNT(*) FROM t WHERE A = 1 ORDER BY B"), refused);

@@ -27,17 +27,17 @@ TEST_F(statement_analysis, delete_takes_its_table_and_conditions) {
         const char *table;
         conditions filters;
     } const rows[] = {
-        {"DELETE FROM adbk WHERE PSN_ID = 5", "adbk", {{"PSN_ID", "5", 0, 1, 0}}},
+        {"DELETE FROM adbk WHERE PSN_ID = 5", "adbk", {equal("PSN_ID", "5")}},
         {"DELETE FROM adbk WHERE NAME = 'x' OR NAME = 'y'",
          "adbk",
-         {{"NAME", "x", 0, 2, 1}, {"NAME", "y", 0, 2, 1}}},
+         {equal("NAME", "x").in_quotes().joined_by_or(), equal("NAME", "y").in_quotes().joined_by_or()}},
         {"DELETE FROM adbk", "adbk", {}},
         {"  DELETE FROM adbk  ", "adbk", {}},
         {"DELETE  FROM adbk", "adbk", {}},
         {"DELETE     FROM   adbk", "adbk", {}},
         {"DELETE FROM t WHERE", "t WHERE", {}},
         {"DELETE FROM t WHERE ", "t WHERE", {}},
-        {"DELETE FROM  t  WHERE A=1", "t", {{"A", "1", 0, 1, 0}}},
+        {"DELETE FROM  t  WHERE A=1", "t", {equal("A", "1")}},
         {"DELETE FROM t where A = 1", "t where A = 1", {}},
         {"DELETE FROM t\tWHERE A = 1", "t\tWHERE A = 1", {}},
         {"DROP TABLE adbk", "adbk", {}},
@@ -147,7 +147,7 @@ TEST_F(statement_analysis, refusals_leave_what_was_reached) {
 
     EXPECT_EQ(analyze("DELETE FROM t WHERE A = 1 AND B"), refused);
     EXPECT_EQ(tables(info), (texts{"t"}));
-    EXPECT_EQ(filters(info), (conditions{{"A", "1", 0, 1, 0}}));
+    EXPECT_EQ(filters(info), (conditions{equal("A", "1")}));
 }
 
 TEST_F(statement_analysis, the_first_table_is_replaced_and_the_others_stay) {

@@ -30,39 +30,40 @@ TEST_F(where_analysis, conditions_are_cut_at_their_operator) {
         const char *where;
         conditions expected;
     } const rows[] = {
-        {"PSN_ID = 5", {{"PSN_ID", "5", 0, 1, 0}}},
-        {"A=1", {{"A", "1", 0, 1, 0}}},
-        {"  A  =  1  ", {{"A", "1", 0, 1, 0}}},
-        {"A != 1", {{"A", "1", 1, 1, 0}}},
-        {"A!=1", {{"A", "1", 1, 1, 0}}},
-        {"A < 1", {{"A", "1", 2, 1, 0}}},
-        {"A > 1", {{"A", "1", 3, 1, 0}}},
-        {"A <= 1", {{"A", "1", 4, 1, 0}}},
-        {"A >= 1", {{"A", "1", 5, 1, 0}}},
-        {"NAME LIKE 'Ab%'", {{"NAME", "Ab", 6, 1, 1}}},
-        {"NAME LIKE Ab%", {{"NAME", "Ab", 6, 1, 0}}},
-        {"NAME LIKE '%'", {{"NAME", "", 6, 1, 1}}},
-        {"NAME LIKE 'a%b_%'", {{"NAME", "a%b_", 6, 1, 1}}},
-        {"PSN_ID >= 10 AND PSN_ID < 20", {{"PSN_ID", "10", 5, 1, 0}, {"PSN_ID", "20", 2, 1, 0}}},
-        {"NAME = 'a' OR NAME = 'b'", {{"NAME", "a", 0, 2, 1}, {"NAME", "b", 0, 2, 1}}},
-        {"A=1 AND B=2 AND C=3", {{"A", "1", 0, 1, 0}, {"B", "2", 0, 1, 0}, {"C", "3", 0, 1, 0}}},
-        {"A <> 1", {{"A <", "1", 3, 1, 0}}},
-        {"A => 1", {{"A =", "1", 3, 1, 0}}},
-        {"A =< 1", {{"A =", "1", 2, 1, 0}}},
-        {"A = 'x>y'", {{"A", "x>y", 0, 1, 1}}},
-        {"A = 'x==y'", {{"A", "x==y", 0, 1, 1}}},
-        {"A = ' LIKE '", {{"A", " LIKE ", 0, 1, 1}}},
-        {"A = 'x IN y'", {{"A", "x IN y", 0, 1, 1}}},
-        {"NAME = 'O''Hara'", {{"NAME", "O''Hara", 0, 1, 1}}},
-        {"NAME = 'a' b", {{"NAME", "a", 0, 1, 1}}},
-        {"NAME = ''", {{"NAME", "", 0, 1, 1}}},
-        {"NAME = ' a '", {{"NAME", " a ", 0, 1, 1}}},
-        {"NAME = a'b'", {{"NAME", "a'b'", 0, 1, 0}}},
-        {"a.K = b.K", {{"a.K", "b.K", 0, 1, 0}}},
-        {"A = -5", {{"A", "-5", 0, 1, 0}}},
-        {"A\t=\t1\n", {{"A\t", "\t1\n", 0, 1, 0}}},
-        {"A = 1 and B", {{"A", "1 and B", 0, 1, 0}}},
-        {"A = 1\tAND\tB = 2", {{"A", "1\tAND\tB = 2", 0, 1, 0}}},
+        {"PSN_ID = 5", {equal("PSN_ID", "5")}},
+        {"A=1", {equal("A", "1")}},
+        {"  A  =  1  ", {equal("A", "1")}},
+        {"A != 1", {not_equal("A", "1")}},
+        {"A!=1", {not_equal("A", "1")}},
+        {"A < 1", {less("A", "1")}},
+        {"A > 1", {greater("A", "1")}},
+        {"A <= 1", {less_equal("A", "1")}},
+        {"A >= 1", {greater_equal("A", "1")}},
+        {"NAME LIKE 'Ab%'", {like("NAME", "Ab").in_quotes()}},
+        {"NAME LIKE Ab%", {like("NAME", "Ab")}},
+        {"NAME LIKE '%'", {like("NAME", "").in_quotes()}},
+        {"NAME LIKE 'a%b_%'", {like("NAME", "a%b_").in_quotes()}},
+        {"PSN_ID >= 10 AND PSN_ID < 20", {greater_equal("PSN_ID", "10"), less("PSN_ID", "20")}},
+        {"NAME = 'a' OR NAME = 'b'",
+         {equal("NAME", "a").in_quotes().joined_by_or(), equal("NAME", "b").in_quotes().joined_by_or()}},
+        {"A=1 AND B=2 AND C=3", {equal("A", "1"), equal("B", "2"), equal("C", "3")}},
+        {"A <> 1", {greater("A <", "1")}},
+        {"A => 1", {greater("A =", "1")}},
+        {"A =< 1", {less("A =", "1")}},
+        {"A = 'x>y'", {equal("A", "x>y").in_quotes()}},
+        {"A = 'x==y'", {equal("A", "x==y").in_quotes()}},
+        {"A = ' LIKE '", {equal("A", " LIKE ").in_quotes()}},
+        {"A = 'x IN y'", {equal("A", "x IN y").in_quotes()}},
+        {"NAME = 'O''Hara'", {equal("NAME", "O''Hara").in_quotes()}},
+        {"NAME = 'a' b", {equal("NAME", "a").in_quotes()}},
+        {"NAME = ''", {equal("NAME", "").in_quotes()}},
+        {"NAME = ' a '", {equal("NAME", " a ").in_quotes()}},
+        {"NAME = a'b'", {equal("NAME", "a'b'")}},
+        {"a.K = b.K", {equal("a.K", "b.K")}},
+        {"A = -5", {equal("A", "-5")}},
+        {"A\t=\t1\n", {equal("A\t", "\t1\n")}},
+        {"A = 1 and B", {equal("A", "1 and B")}},
+        {"A = 1\tAND\tB = 2", {equal("A", "1\tAND\tB = 2")}},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.where);
@@ -78,17 +79,20 @@ TEST_F(where_analysis, lists_become_conditions_joined_by_or) {
         conditions expected;
     } const rows[] = {
         {"PSN_ID IN (1, 2, 3)",
-         {{"PSN_ID", "1", 0, 2, 0}, {"PSN_ID", "2", 0, 2, 0}, {"PSN_ID", "3", 0, 2, 0}}},
-        {"NAME INLIKE ('a%','b%')", {{"NAME", "a", 6, 2, 1}, {"NAME", "b", 6, 2, 1}}},
-        {"A IN (1)", {{"A", "1", 0, 2, 0}}},
-        {"A IN(1)", {{"A", "1", 0, 2, 0}}},
-        {"A IN('x')", {{"A", "x", 0, 2, 1}}},
-        {"A IN ( 1 , 'x' )", {{"A", "1", 0, 2, 0}, {"A", "x", 0, 2, 1}}},
-        {"A IN ((1,2))", {{"A", "1", 0, 2, 0}, {"A", "2", 0, 2, 0}}},
-        {"A INLIKE('a%')", {{"A", "a", 6, 2, 1}}},
-        {"A INLIKE (a%, b%)", {{"A", "a", 6, 2, 0}, {"A", "b", 6, 2, 0}}},
-        {"A = 1 AND B IN (2,3)", {{"A", "1", 0, 1, 0}, {"B", "2", 0, 2, 0}, {"B", "3", 0, 2, 0}}},
-        {"A INSIDE (1)", {{"A", "SIDE (1", 0, 2, 0}}},
+         {equal("PSN_ID", "1").joined_by_or(), equal("PSN_ID", "2").joined_by_or(),
+          equal("PSN_ID", "3").joined_by_or()}},
+        {"NAME INLIKE ('a%','b%')",
+         {like("NAME", "a").in_quotes().joined_by_or(), like("NAME", "b").in_quotes().joined_by_or()}},
+        {"A IN (1)", {equal("A", "1").joined_by_or()}},
+        {"A IN(1)", {equal("A", "1").joined_by_or()}},
+        {"A IN('x')", {equal("A", "x").in_quotes().joined_by_or()}},
+        {"A IN ( 1 , 'x' )", {equal("A", "1").joined_by_or(), equal("A", "x").in_quotes().joined_by_or()}},
+        {"A IN ((1,2))", {equal("A", "1").joined_by_or(), equal("A", "2").joined_by_or()}},
+        {"A INLIKE('a%')", {like("A", "a").in_quotes().joined_by_or()}},
+        {"A INLIKE (a%, b%)", {like("A", "a").joined_by_or(), like("A", "b").joined_by_or()}},
+        {"A = 1 AND B IN (2,3)",
+         {equal("A", "1"), equal("B", "2").joined_by_or(), equal("B", "3").joined_by_or()}},
+        {"A INSIDE (1)", {equal("A", "SIDE (1").joined_by_or()}},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.where);
@@ -150,9 +154,9 @@ TEST_F(where_analysis, refusals_are_traced_where_they_are_found) {
 
 TEST_F(where_analysis, conditions_before_a_refusal_stay) {
     EXPECT_EQ(analyze("A = 1 OR B = 2 OR C"), refused);
-    EXPECT_EQ(filters(info), (conditions{{"A", "1", 0, 2, 0}, {"B", "2", 0, 2, 0}}));
+    EXPECT_EQ(filters(info), (conditions{equal("A", "1").joined_by_or(), equal("B", "2").joined_by_or()}));
     EXPECT_EQ(analyze("A IN (1,2,,3)"), refused);
-    EXPECT_EQ(filters(info), (conditions{{"A", "1", 0, 2, 0}, {"A", "2", 0, 2, 0}}));
+    EXPECT_EQ(filters(info), (conditions{equal("A", "1").joined_by_or(), equal("A", "2").joined_by_or()}));
     EXPECT_EQ(analyze("A = 1 AND B = 2 OR C = 3"), refused);
     EXPECT_EQ(filters(info), conditions{});
 }
@@ -161,7 +165,7 @@ TEST_F(where_analysis, one_condition_carries_the_join_of_its_caller) {
     info.set_table("T");
     EXPECT_EQ(parser.divide_operate("A = 1", QRY_LIB_JOIN_TYPE_OR, info), 0u);
     EXPECT_EQ(parser.divide_operate("B IN (2)", QRY_LIB_JOIN_TYPE_AND, info), 0u);
-    EXPECT_EQ(filters(info), (conditions{{"A", "1", 0, 2, 0}, {"B", "2", 0, 2, 0}}));
+    EXPECT_EQ(filters(info), (conditions{equal("A", "1").joined_by_or(), equal("B", "2").joined_by_or()}));
     qryhost_fail(QRYHOST_ALLOC, 0, 1, 77);
     EXPECT_EQ(parser.divide_operate("C = 3", QRY_LIB_JOIN_TYPE_OR, info), 1u);
     EXPECT_EQ(parser.divide_operate("C == 3", QRY_LIB_JOIN_TYPE_OR, info), refused);
@@ -233,7 +237,7 @@ TEST_F(where_analysis, names_and_values_are_accepted_up_to_their_capacity) {
     const std::string name(QRY_LIB_COLUMN_NAME_MAX, 'c');
     const std::string value(QRY_LIB_STRING_MAX, 'v');
     EXPECT_EQ(analyze(name + " = '" + value + "'"), 0u);
-    EXPECT_EQ(filters(info), (conditions{{name, value, 0, 1, 1}}));
+    EXPECT_EQ(filters(info), (conditions{equal(name, value).in_quotes()}));
     EXPECT_EQ(analyze(name + " LIKE '" + value + "%'"), 0u);
     EXPECT_EQ(analyze(name + " IN ('" + value + "'," + value + ")"), 0u);
     EXPECT_TRUE(take_codes().empty());
