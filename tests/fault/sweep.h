@@ -7,7 +7,8 @@ namespace fault {
 
 void set_fixture(const std::string &path);
 
-// One row for each statement, in the form that docs/testing.md shows.
-void print_table();
+// Writes one row for each statement, in the form that docs/testing.md shows; false where the file cannot be
+// written.
+bool write_table(const std::string &path);
 
 } // namespace fault

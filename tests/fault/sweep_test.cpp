@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <fstream>
 #include <map>
 #include <new>
 
@@ -527,23 +528,28 @@ void set_fixture(const std::string &path) {
     fixture_path = path;
 }
 
-void print_table() {
+bool write_table(const std::string &path) {
+    std::ofstream out(path);
+    out << "| statement | calls | points | `new` | failures |\n|---|--:|--:|--:|--:|\n";
+    const auto write = [&out](const std::string &name, const table_row &row) {
+        out << "| " << name << " | " << row.calls << " | " << row.points << " | " << row.new_points << " | "
+            << row.failures << " |\n";
+    };
     table_row sum;
-    const auto print = [&sum](const std::string &name) {
+    const auto count = [&](const std::string &name) {
         const table_row &row = table[name];
-        std::printf("| %s | %u | %u | %u | %u |\n", name.c_str(), row.calls, row.points, row.new_points,
-                    row.failures);
+        write(name, row);
         sum.calls += row.calls;
         sum.points += row.points;
         sum.new_points += row.new_points;
         sum.failures += row.failures;
     };
-    std::printf("| statement | calls | points | `new` | failures |\n|---|--:|--:|--:|--:|\n");
     for (const statement &one : statements()) {
-        print(one.name);
+        count(one.name);
     }
-    print(setters_name);
-    std::printf("| together | %u | %u | %u | %u |\n", sum.calls, sum.points, sum.new_points, sum.failures);
+    count(setters_name);
+    write("together", sum);
+    return static_cast<bool>(out.flush());
 }
 
 } // namespace fault
