@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# The lines of C on the testing page, and the example at the head of the C++ header, compile as they stand.
+# The lines of C on the testing page, those of C++ in the README, and the example at the head of the C++ header compile
+# as they stand.
 #
 # usage: check_snippets.sh ROOT C_COMPILER C++_COMPILER
 set -euo pipefail
@@ -19,5 +20,7 @@ compiles() {
 awk '/^```c$/ { inside = 1; next } /^```/ { inside = 0 } inside' docs/testing.md |
     compiles platform/host/qryhost.h "$c_compiler" -std=c99 -x c
 extra='#include <iostream>'
+awk '/^```cpp$/ { inside = 1; next } /^```/ { inside = 0 } inside' README.md |
+    compiles qrylib/qrylib.hpp "$cxx_compiler" -std=c++17 -x c++
 awk '/^ \*     / { print substr($0, 8); inside = 1; next } inside { exit }' include/qrylib/qrylib.hpp |
     compiles qrylib/qrylib.hpp "$cxx_compiler" -std=c++17 -x c++
