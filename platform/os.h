@@ -13,8 +13,9 @@ extern "C" {
 #endif
 
 /**
- * Takes a block from the memory partition. It need not be cleared. The library reports a refusal to its
- * caller as code 1 in nearly every place and goes on working.
+ * Takes a block from the memory partition. It need not be cleared. After a refusal the library traces it,
+ * gives back what it holds and goes on working. What the block was for decides which code its caller gets: 1,
+ * 0xDB00, 0xDB05, 0x2001, 0x5243 or -1; the setters of a statement record have none, and leave their field.
  *
  * @param part   the partition; the library passes 0
  * @param block  the block, aligned for any fundamental type; not read after a refusal

@@ -57,9 +57,10 @@ typedef struct {
 } qry_lib_db_unused_id_param_;
 
 /**
- * Finds the smallest id in a range that no row of a table carries: the smallest of the range itself when no
- * row carries an id in it. The id is not reserved: two callers may be given the same. Failures are written to
- * the platform trace.
+ * Finds the smallest id in a range that no row of a table carries. Where no row carries an id in the range
+ * the answer is `min_id`, whatever `max_count` is, and also where `min_id` is above `max_id`: a range without
+ * ids has no rows. The id is not reserved: two callers may be given the same. Failures are written to the
+ * platform trace.
  *
  * @param param   what to look for
  * @param id_out  the id; written on success only

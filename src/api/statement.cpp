@@ -55,6 +55,8 @@ void replace_where(const char *function, qry_lib_db_stmt_ *stmt, const char *tex
         trace_return(function, __LINE__, QRY_LIB_INVALID_ARGUMENT);
         return;
     }
+    // An earlier condition's block takes the new text, or is given back where the earlier text is the
+    // shorter.
     const std::size_t size = static_cast<std::size_t>(length) + 1;
     if (stmt->where_phrase != nullptr && std::strlen(stmt->where_phrase) + 1 >= size) {
         std::memcpy(stmt->where_phrase, text, size);
@@ -199,7 +201,8 @@ void qry_lib_db_wrapper_stmt_set_where_phrase(qry_lib_db_stmt_ *stmt, const char
         trace_return(__func__, __LINE__, QRY_LIB_INVALID_ARGUMENT);
         return;
     }
-    // The block of an earlier phrase stays lost: callers hold on to the pointer that they were given.
+    // The block of an earlier phrase is lost, as callers are told: only the set_where_equal calls use it
+    // again.
     if (store_text(stmt->where_phrase, text) != 0) {
         trace_return(__func__, __LINE__, QRY_LIB_NO_MEMORY);
     }

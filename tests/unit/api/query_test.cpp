@@ -190,6 +190,29 @@ TEST_F(query, a_statement_record_counts) {
     }
 }
 
+TEST_F(query, a_counting_record_sorts_what_it_counts) {
+    put_persons();
+    select("COUNT(*)");
+    qry_lib_db_stmt_set_orderby_phrase(&stmt, "PSN_NAME DESC");
+    EXPECT_EQ(qry_lib_db_stmt_exec_query(&stmt, &rowset), 0u);
+    expect_count(2);
+    EXPECT_EQ(qryhost_call_count(QRYHOST_SORT), 1u);
+    qry_lib_db_rowset_term(&rowset);
+    EXPECT_EQ(take_chain(), texts{});
+
+    qry_lib_db_stmt_term(&stmt);
+    use("adbk_db");
+    select("COUNT(*)");
+    qry_lib_db_stmt_set_orderby_phrase(&stmt, "NO_COLUMN");
+    EXPECT_EQ(qry_lib_db_stmt_exec_query(&stmt, &rowset), QRY_LIB_INVALID_ARGUMENT);
+    EXPECT_EQ(rowset.record_num, 0);
+    const texts chain = take_chain();
+    ASSERT_GE(chain.size(), 3u);
+    EXPECT_EQ(
+        texts(chain.begin(), chain.begin() + 3),
+        (texts{"sort_tbdb_table_id:1233 0xDB05", "exec_select_proc:387 0xDB05", "exec_select:332 0xDB05"}));
+}
+
 TEST_F(query, a_statement_record_without_rows_runs_and_rewinds_the_rowset) {
     put_persons();
     rowset.current = 5;
