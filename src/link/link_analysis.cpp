@@ -1,8 +1,7 @@
 // A SELECT over several tables becomes one query for each table and the conditions that join them.
 #include <algorithm>
-#include <cstring>
-#include <numeric>
 #include <set>
+#include <string>
 
 #include "link/qry_lib_analyze_link_info.h"
 #include "parser/qry_lib_sql_parser.h"
@@ -31,55 +30,32 @@ bool split_reference(const qry_lib_sql_parser &parser, const char *text, column_
     return parser.trimmed(out.table) && parser.trimmed(out.column);
 }
 
-// Finds the queries that name a table without a look at each: a text may list 65,535 tables, and name one in
-// as many columns and conditions. Refers to the names, which stay where they are.
-class table_finder {
+// Names and where each stands in a list, found without a look at all of them: a text may list 65,535 tables,
+// and name one in as many columns and conditions.
+class name_places {
   public:
-    explicit table_finder(const std::vector<const char *> &names) : names_(names), order_(names.size()) {
-        std::iota(order_.begin(), order_.end(), std::uint16_t{0});
-        std::sort(order_.begin(), order_.end(), [this](std::uint16_t a, std::uint16_t b) {
-            const int by_name = std::strcmp(names_[a], names_[b]);
-            return by_name != 0 ? by_name < 0 : a < b;
-        });
-    }
+    using place_set = std::set<std::pair<std::string, std::uint16_t>>;
 
-    // The positions of the table in the list, in its order.
-    struct positions {
-        std::vector<std::uint16_t>::const_iterator first;
-        std::vector<std::uint16_t>::const_iterator last;
+    void add(const char *name, std::uint16_t place) { places_.emplace(name, place); }
+    bool has(const std::string &name, std::uint16_t place) const { return places_.count({name, place}) != 0; }
+    std::size_t size() const { return places_.size(); }
 
-        auto begin() const { return first; }
-        auto end() const { return last; }
+    // The places of one name, in ascending order; each is an entry's second half.
+    struct range {
+        place_set::const_iterator first;
+        place_set::const_iterator last;
+
+        place_set::const_iterator begin() const { return first; }
+        place_set::const_iterator end() const { return last; }
         bool empty() const { return first == last; }
     };
-    positions find(const std::string &table) const {
-        const auto before = [&](std::uint16_t t, int) { return table.compare(names_[t]) > 0; };
-        const auto behind = [&](int, std::uint16_t t) { return table.compare(names_[t]) < 0; };
-        const auto first = std::lower_bound(order_.begin(), order_.end(), 0, before);
-        return {first, std::upper_bound(first, order_.end(), 0, behind)};
+    range find(const std::string &name) const {
+        return {places_.lower_bound({name, 0}), places_.upper_bound({name, UINT16_MAX})};
     }
 
   private:
-    std::vector<const char *> names_;
-    std::vector<std::uint16_t> order_; // by name, then by position
+    place_set places_;
 };
-
-std::vector<const char *> listed_tables(const qry_lib_analyze_info &info) {
-    std::vector<const char *> names(info.get_table_num());
-    for (std::uint16_t t = 0; t < info.get_table_num(); ++t) {
-        names[t] = info.table_at(t);
-    }
-    return names;
-}
-
-std::vector<const char *> query_tables(const std::vector<qry_lib_analyze_info> &per_table) {
-    std::vector<const char *> names;
-    names.reserve(per_table.size());
-    for (const qry_lib_analyze_info &query : per_table) {
-        names.push_back(query.get_table());
-    }
-    return names;
-}
 
 void name_side(QRY_LIB_COLUMN &side, const column_reference &reference) {
     copy_bounded(side.table_name, reference.table.c_str());
@@ -126,7 +102,10 @@ std::uint32_t qry_lib_sql_parser::set_link_select_cols(qry_lib_analyze_info &inf
     if (info.get_cols_num() == 0) {
         return QRY_LIB_NOT_ACCEPTED;
     }
-    const table_finder tables(listed_tables(info));
+    name_places tables;
+    for (std::uint16_t t = 0; t < info.get_table_num(); ++t) {
+        tables.add(info.table_at(t), t);
+    }
     for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
         const QRY_LIB_COLUMN *column = info.col_at(i);
         if (column == nullptr) {
@@ -136,17 +115,17 @@ std::uint32_t qry_lib_sql_parser::set_link_select_cols(qry_lib_analyze_info &inf
         if (!split_reference(*this, column->col_name, selected)) {
             return QRY_LIB_NOT_ACCEPTED;
         }
-        const table_finder::positions named = tables.find(selected.table);
+        const name_places::range named = tables.find(selected.table);
         if (named.empty()) {
             return refuse(__func__, 1705);
         }
-        for (const std::uint16_t t : named) {
+        for (const auto &entry : named) {
             // A table listed several times gets the column each time, beyond what 16 bits count.
             if (link_info.get_cols_num() == UINT16_MAX) {
                 return refuse(__func__, __LINE__);
             }
-            per_table[t].add_cols(selected.table.c_str(), selected.column.c_str(), column->value,
-                                  QRY_LIB_COLUMN_TYPE_STR);
+            per_table[entry.second].add_cols(selected.table.c_str(), selected.column.c_str(), column->value,
+                                             QRY_LIB_COLUMN_TYPE_STR);
             link_info.add_cols(selected.table.c_str(), selected.column.c_str());
         }
     }
@@ -162,9 +141,10 @@ class condition_splitter {
   public:
     condition_splitter(const qry_lib_sql_parser &parser, const qry_lib_analyze_info &info,
                        std::vector<qry_lib_analyze_info> &per_table, qry_lib_analyze_link_info &link_info)
-        : parser_(parser), info_(info), per_table_(per_table), link_info_(link_info),
-          tables_(query_tables(per_table)) {
+        : parser_(parser), info_(info), per_table_(per_table), link_info_(link_info) {
+        std::uint16_t t = 0; // as many as the query counts
         for (const qry_lib_analyze_info &query : per_table) {
+            tables_.add(query.get_table(), t++);
             condition_num_ += query.get_filter_cols_num();
         }
     }
@@ -182,9 +162,9 @@ class condition_splitter {
     const qry_lib_analyze_info &info_;
     std::vector<qry_lib_analyze_info> &per_table_;
     qry_lib_analyze_link_info &link_info_;
-    table_finder tables_;
+    name_places tables_;
+    name_places columns_; // of the queries, by the query's place; known once there is a join
     std::size_t condition_num_ = 0;
-    std::set<std::pair<std::uint16_t, std::string>> columns_; // of each query; known once there is a join
 };
 
 std::uint32_t condition_splitter::take_over(std::uint16_t index, bool &is_join) {
@@ -221,16 +201,17 @@ std::uint32_t condition_splitter::take_over(std::uint16_t index, bool &is_join) 
 std::uint32_t condition_splitter::add_comparison(const column_reference &compared,
                                                  const QRY_LIB_CONDITION &filter) {
     static constexpr char name[] = "set_link_filter_cols";
-    const table_finder::positions named = tables_.find(compared.table);
+    const name_places::range named = tables_.find(compared.table);
     if (named.empty()) {
         return refuse(name, filter.value_is_quoted != 0 ? 1806 : 1866);
     }
-    for (const std::uint16_t t : named) {
+    for (const auto &entry : named) {
         if (++condition_num_ > UINT16_MAX) {
             return refuse(name, __LINE__);
         }
-        per_table_[t].add_filter_cols(compared.table.c_str(), compared.column.c_str(), filter.value.str_value,
-                                      filter.operation, filter.join, filter.value_is_quoted);
+        per_table_[entry.second].add_filter_cols(compared.table.c_str(), compared.column.c_str(),
+                                                 filter.value.str_value, filter.operation, filter.join,
+                                                 filter.value_is_quoted);
     }
     return 0;
 }
@@ -291,29 +272,30 @@ bool condition_splitter::is_listed(const std::string &table) const {
 // The join keys come back from the per-table queries, whether or not the caller selected them. False when
 // there is no room for one more column.
 bool condition_splitter::add_key_column(const column_reference &key) {
-    static constexpr QRY_LIB_COLUMN_VALUE no_value{};
-    if (columns_.empty()) {
+    if (columns_.size() == 0) {
         find_columns();
     }
-    for (const std::uint16_t t : tables_.find(key.table)) {
-        if (columns_.count({t, key.column}) != 0) {
+    for (const auto &entry : tables_.find(key.table)) {
+        const std::uint16_t t = entry.second;
+        if (columns_.has(key.column, t)) {
             continue;
         }
         if (columns_.size() >= UINT16_MAX || per_table_[t].get_cols_num() == UINT16_MAX) {
             return false;
         }
-        per_table_[t].add_cols(key.table.c_str(), key.column.c_str(), no_value, QRY_LIB_COLUMN_TYPE_STR);
-        columns_.emplace(t, key.column);
+        per_table_[t].add_empty_col(key.table.c_str(), key.column);
+        columns_.add(key.column.c_str(), t);
     }
     return true;
 }
 
 void condition_splitter::find_columns() {
-    const auto table_num = static_cast<std::uint16_t>(per_table_.size());
-    for (std::uint16_t t = 0; t < table_num; ++t) {
-        for (std::uint16_t i = 0; i < per_table_[t].get_cols_num(); ++i) {
-            columns_.emplace(t, per_table_[t].col_at(i)->col_name);
+    std::uint16_t t = 0;
+    for (const qry_lib_analyze_info &query : per_table_) {
+        for (std::uint16_t i = 0; i < query.get_cols_num(); ++i) {
+            columns_.add(query.col_at(i)->col_name, t);
         }
+        ++t;
     }
 }
 
@@ -334,7 +316,8 @@ std::uint32_t qry_lib_sql_parser::set_link_filter_cols(qry_lib_analyze_info &inf
     for (std::uint16_t i = 0; i < info.get_filter_cols_num(); ++i) {
         bool is_join = false;
         if (const std::uint32_t code = splitter.take_over(i, is_join); code != 0) {
-            // A text that already names its joins shows what failed; any other lacks joins in the first place.
+            // A text that already names its joins shows what failed; any other lacks joins in the first
+            // place.
             return join_num >= joins_needed ? code : std::uint32_t{QRY_LIB_NOT_ACCEPTED};
         }
         join_num += is_join ? 1 : 0;

@@ -36,8 +36,8 @@ void qry_lib_analyze_info::add_cols(const char *table, const char *col, const QR
     std::memcpy(&add_col(table, col, type).value, &value, sizeof value);
 }
 
-void qry_lib_analyze_info::add_empty_col(std::string_view col) {
-    add_col(get_table(), col, QRY_LIB_COLUMN_TYPE_STR);
+void qry_lib_analyze_info::add_empty_col(const char *table, std::string_view col) {
+    add_col(table, col, QRY_LIB_COLUMN_TYPE_STR);
 }
 
 void qry_lib_analyze_info::add_cols(const char *col, const QRY_LIB_COLUMN_VALUE &value,

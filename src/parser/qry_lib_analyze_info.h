@@ -46,8 +46,9 @@ class qry_lib_analyze_info {
                   QRY_LIB_COLUMN_TYPE type);
     void add_cols(const char *col, const QRY_LIB_COLUMN_VALUE &value, QRY_LIB_COLUMN_TYPE type);
 
-    // A column of the first table that has no value yet: the empty string, zeros behind it.
-    void add_empty_col(std::string_view col);
+    // A column that has no value yet: the empty string, zeros behind it.
+    void add_empty_col(const char *table, std::string_view col);
+    void add_empty_col(std::string_view col) { add_empty_col(get_table(), col); }
     void add_filter_cols(const char *table, const char *col, const char *value,
                          QRY_LIB_OPERATION_TYPE operation, QRY_LIB_JOIN_TYPE join, std::int32_t quoted);
     void add_filter_cols(const char *col, const char *value, QRY_LIB_OPERATION_TYPE operation,
