@@ -17,8 +17,8 @@ namespace {
 void copy_value(std::uint32_t elem_type, const void *value, char *out) {
     if (is_string_element(elem_type)) {
         copy_bounded<QRY_LIB_STRING_MAX>(out, static_cast<const char *>(value));
-    } else {
-        std::memcpy(out, value, number_width(elem_type));
+    } else if (const std::uint32_t width = number_width(elem_type); width != 0) {
+        copy_number(out, value, width);
     }
 }
 

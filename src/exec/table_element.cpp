@@ -33,8 +33,8 @@ bool is_searched_by_key(const char *table_name) {
 void convert_element(const QRY_LIB_ELEMENT_INFO &info, const char *from, QRY_LIB_COLUMN &column) {
     if (const std::uint32_t width = number_width(info.elem_type); width != 0) {
         // Zeros behind a number, so that its raw bytes read as text end there.
-        std::memcpy(&column.value, from, width);
-        std::memset(column.value.str_value + width, 0, 2 * sizeof(std::uint32_t) - width);
+        std::memset(&column.value, 0, 2 * sizeof(std::uint32_t));
+        copy_number(&column.value, from, width);
         column.type = static_cast<QRY_LIB_COLUMN_TYPE>(info.elem_type);
     } else if (is_string_element(info.elem_type)) {
         const std::size_t length =

@@ -27,7 +27,23 @@ constexpr std::uint32_t number_width(std::uint32_t type) {
     return type < element_string ? widths[type] : 0;
 }
 
-// The number at `from`, in the machine's byte order and at any address, with zeros before it.
+// Copies a number as it stands, in the machine's byte order; either may lie at any address. One move of a
+// known size for each width: a call that copies so few bytes would cost more than they do.
+inline void copy_number(void *to, const void *from, std::uint32_t width) {
+    switch (width) {
+    case 1:
+        std::memcpy(to, from, 1);
+        break;
+    case 2:
+        std::memcpy(to, from, 2);
+        break;
+    default:
+        std::memcpy(to, from, 4);
+        break;
+    }
+}
+
+// The number at `from`, with zeros before it.
 inline std::uint32_t load_number(const void *from, std::uint32_t width) {
     std::uint8_t one = 0;
     std::uint16_t two = 0;
@@ -45,21 +61,15 @@ inline std::uint32_t load_number(const void *from, std::uint32_t width) {
     }
 }
 
-// Stores the low bytes of a number, likewise.
+// Stores the low bytes of a number.
 inline void store_number(void *to, std::uint32_t width, std::uint32_t number) {
     const auto one = static_cast<std::uint8_t>(number);
     const auto two = static_cast<std::uint16_t>(number);
-    switch (width) {
-    case 1:
-        std::memcpy(to, &one, 1);
-        break;
-    case 2:
-        std::memcpy(to, &two, 2);
-        break;
-    default:
-        std::memcpy(to, &number, 4);
-        break;
-    }
+    copy_number(to,
+                width == 1   ? static_cast<const void *>(&one)
+                : width == 2 ? static_cast<const void *>(&two)
+                             : &number,
+                width);
 }
 
 } // namespace norvane
