@@ -1,9 +1,9 @@
 // Access to the values, and the one store that the process has open.
 #include "platform/host/element_store.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
-#include <cstring>
 #include <utility>
 
 #include "platform/host/control.h"
@@ -15,49 +15,57 @@ namespace qryhost {
 element_store::element_store(store_memory memory)
     : layout_(store_layout::get()), memory_(std::move(memory)) {}
 
-void element_store::copy_beside_writers(std::size_t category, std::uint32_t offset, std::size_t size,
-                                        void *bytes) {
-    if (memory_.is_read_only()) {
-        copy_without_lock(memory_, category, offset, size, bytes);
-        return;
+void element_store::copy_at_one_moment(region_part *parts, std::size_t num) {
+    if (!qryhost::copy_at_one_moment(memory_, parts, num, wait_limit())) {
+        throw refusal("the records of category " +
+                      std::to_string(layout_.categories()[parts->category].category) +
+                      " change too fast to be read");
     }
-    const value_lock hold(memory_, category);
-    std::memcpy(bytes, memory_.region() + offset, size);
+}
+
+void element_store::read(const element_place &place, std::uint32_t record, void *buffer) {
+    region_part part = {place.lock, place.value_offset(record), place.size, buffer, 0};
+    copy_at_one_moment(&part, 1);
 }
 
 void element_store::write(const element_place &place, std::uint32_t record, const void *buffer) {
-    value_lock hold(memory_, place.lock);
+    wait_limit limit;
+    value_lock hold(memory_, place.lock, limit);
     hold.replace(place.value_offset(record), place.size, buffer);
 }
 
 void element_store::copy_column(const element_place &place, std::uint32_t record_num, void *values) {
-    copy(place.lock, place.value_offset(1), std::size_t{place.size} * record_num, values);
+    region_part part = {place.lock, place.value_offset(1), std::size_t{place.size} * record_num, values, 0};
+    copy_at_one_moment(&part, 1);
 }
 
 void element_store::restore_default(const category_place &table, std::uint32_t first, std::uint32_t last) {
-    value_lock(memory_, layout_.elements()[table.first_element].lock).restore_default(first, last);
+    wait_limit limit;
+    value_lock hold(memory_, layout_.elements()[table.first_element].lock, limit);
+    hold.restore_default(first, last);
 }
 
 std::vector<value_lock> element_store::hold_all() {
+    wait_limit limit;
     std::vector<value_lock> held;
     held.reserve(layout_.categories().size());
     for (std::size_t i = 0; i < layout_.categories().size(); ++i) {
-        held.emplace_back(memory_, i);
+        held.emplace_back(memory_, i, limit);
     }
     return held;
 }
 
 std::vector<std::uint8_t> element_store::snapshot() {
     std::vector<std::uint8_t> region(layout_.bytes());
-    if (memory_.is_read_only()) {
-        for (std::size_t i = 0; i < layout_.categories().size(); ++i) {
-            const category_place &part = layout_.categories()[i];
-            copy_without_lock(memory_, i, part.offset, part.bytes, region.data() + part.offset);
-        }
-        return region;
+    std::vector<region_part> parts;
+    for (const category_place &place : layout_.categories()) {
+        parts.push_back({parts.size(), place.offset, place.bytes, region.data() + place.offset, 0});
     }
-    const auto held = hold_all();
-    std::memcpy(region.data(), memory_.region(), region.size());
+    constexpr std::chrono::seconds patience{1};
+    if (!qryhost::copy_at_one_moment(memory_, parts.data(), parts.size(), wait_limit(patience))) {
+        std::for_each(parts.begin(), parts.end(),
+                      [this](region_part &part) { copy_at_one_moment(&part, 1); });
+    }
     return region;
 }
 
@@ -114,7 +122,7 @@ element_store &required_store() {
 element_store &required_writable_store() {
     element_store &store = required_store();
     if (store.is_read_only()) {
-        throw refusal("the device image can only be read");
+        throw refusal(store.read_only_reason());
     }
     return store;
 }

@@ -1,6 +1,6 @@
 // The element store: the values of every record, default record and setting in one flat region, with one lock
-// per category. A value is written whole under its category's lock; it is read without one where no writer is
-// met.
+// per category. A value is written whole under its category's lock; readers wait for no writer. What finds
+// the lock held for too long throws `refusal`.
 //
 // The order of locks, outermost first: the process's opening lock, the image's opening byte, the categories'
 // locks in the order of their positions. Only what concerns the store as a whole holds more than one of the
@@ -11,8 +11,10 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
+#include "platform/host/moment_copy.h"
 #include "platform/host/store_layout.h"
 #include "platform/host/store_memory.h"
 #include "platform/host/value_lock.h"
@@ -27,11 +29,15 @@ class element_store {
 
     // Then nothing that changes a value may be called.
     bool is_read_only() const { return memory_.is_read_only(); }
+    const std::string &read_only_reason() const { return memory_.read_only_reason(); }
 
-    // The record must exist; `buffer` is as large as the element, at any address.
-    void read(const element_place &place, std::uint32_t record, void *buffer) {
-        copy(place.lock, place.value_offset(record), place.size, buffer);
+    // The record must exist; `buffer` is as large as the element, at any address. Reads are many and writes
+    // few: the first way is the usual one, and the second the one that is left when it answers false.
+    bool read_while_quiet(const element_place &place, std::uint32_t record, void *buffer) {
+        return copy_while_quiet(memory_, place.lock, place.value_offset(record), place.size, buffer);
     }
+    void read(const element_place &place, std::uint32_t record, void *buffer);
+
     void write(const element_place &place, std::uint32_t record, const void *buffer);
 
     // Copies the element's values of records 1 to `record_num`, back to back, as they are at one moment.
@@ -40,7 +46,7 @@ class element_store {
     // Puts records `first` to `last` back to the default record.
     void restore_default(const category_place &table, std::uint32_t first, std::uint32_t last);
 
-    // The whole region as it is at one moment, or, where it cannot be locked, each category as it is at one.
+    // The whole region as it is at one moment, or, where writers leave none, each category as it is at one.
     std::vector<std::uint8_t> snapshot();
 
     // Replaces every value by that of another region, at one moment for whoever is not killed meanwhile.
@@ -48,14 +54,7 @@ class element_store {
 
   private:
     std::vector<value_lock> hold_all();
-
-    // Reads are many and writes few: a reader takes the lock only where it met a writer.
-    void copy(std::size_t category, std::uint32_t offset, std::size_t size, void *bytes) {
-        if (!copy_while_quiet(memory_, category, offset, size, bytes)) {
-            copy_beside_writers(category, offset, size, bytes);
-        }
-    }
-    void copy_beside_writers(std::size_t category, std::uint32_t offset, std::size_t size, void *bytes);
+    void copy_at_one_moment(region_part *parts, std::size_t num);
 
     const store_layout &layout_;
     store_memory memory_;

@@ -4,10 +4,12 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 
 #include "platform/host/copy_value.h"
 #include "platform/host/element_store.h"
 #include "platform/host/faults.h"
+#include "platform/host/refusal.h"
 
 namespace {
 
@@ -19,6 +21,24 @@ constexpr std::uint32_t refused = 0x5241;
 constexpr std::uint32_t no_store = 0x5242; // the store cannot be opened: qryhost_error() says why
 constexpr std::uint32_t no_memory = 0x5244;
 constexpr std::uint32_t read_only = 0x5245; // the store is a device image that cannot be written
+constexpr std::uint32_t held = 0x5246;      // others keep the records for too long: qryhost_error() says who
+
+// Runs a call's work on the store.
+template <typename Work>
+std::uint32_t waiting_call(Work work) noexcept {
+    try {
+        work();
+        return 0;
+    } catch (const std::exception &failure) {
+        qryhost::set_error(failure.what());
+        return held;
+    }
+}
+
+std::uint32_t refuse_write(const element_store &store) {
+    qryhost::set_error(store.read_only_reason().c_str());
+    return read_only;
+}
 
 // Null when the arguments name nothing that exists.
 const element_place *find_place(const element_store &store, bool is_setting, std::uint32_t category,
@@ -26,6 +46,11 @@ const element_place *find_place(const element_store &store, bool is_setting, std
     const element_place *place = store.layout().find(category, element);
     return place != nullptr && place->is_setting == is_setting && record <= place->record_num ? place
                                                                                               : nullptr;
+}
+
+[[gnu::noinline]] std::uint32_t read_beside_writers(element_store &store, const element_place &place,
+                                                    std::uint32_t record, void *buffer) {
+    return waiting_call([&] { store.read(place, record, buffer); });
 }
 
 std::uint32_t read_value(bool is_setting, std::uint32_t category, std::uint32_t record, std::uint32_t element,
@@ -38,8 +63,9 @@ std::uint32_t read_value(bool is_setting, std::uint32_t category, std::uint32_t 
     if (place == nullptr || buffer == nullptr) {
         return refused;
     }
-    store->read(*place, record, buffer);
-    return 0;
+    return store->read_while_quiet(*place, record, buffer)
+               ? 0
+               : read_beside_writers(*store, *place, record, buffer);
 }
 
 std::uint32_t write_value(bool is_setting, std::uint32_t category, std::uint32_t record,
@@ -56,10 +82,9 @@ std::uint32_t write_value(bool is_setting, std::uint32_t category, std::uint32_t
         return refused;
     }
     if (store->is_read_only()) {
-        return read_only;
+        return refuse_write(*store);
     }
-    store->write(*place, record, buffer);
-    return 0;
+    return waiting_call([=] { store->write(*place, record, buffer); });
 }
 
 // Puts a record of a category back to the default record; null: every record.
@@ -81,10 +106,9 @@ std::uint32_t reset_records(std::uint32_t category, const std::uint32_t *record)
         return refused;
     }
     if (store->is_read_only()) {
-        return read_only;
+        return refuse_write(*store);
     }
-    store->restore_default(*table, first, last);
-    return 0;
+    return waiting_call([=] { store->restore_default(*table, first, last); });
 }
 
 // What the 16 bytes of a list table hold: the copied values of records 1 to `count`, back to back, and the
@@ -209,7 +233,11 @@ std::uint32_t tbctSTCCreateListTable(std::uint32_t category, std::uint32_t eleme
     if (values == nullptr) {
         return no_memory;
     }
-    store->copy_column(*place, record_num, values);
+    const std::uint32_t code = waiting_call([=] { store->copy_column(*place, record_num, values); });
+    if (code != 0) {
+        std::free(values);
+        return code;
+    }
     *list = tbctListTable{};
     pack({values, place->size, record_num, 0}, *list);
     return 0;

@@ -3,9 +3,9 @@
 #include <cstring>
 #include <set>
 
-#include "platform/host/refusal.h"
 #include "platform/host/fixture.h"
 #include "platform/host/fixture_values.h"
+#include "platform/host/refusal.h"
 #include "platform/host/whole_file.h"
 
 namespace qryhost {

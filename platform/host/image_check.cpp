@@ -10,7 +10,9 @@
 #include "platform/host/control.h"
 #include "platform/host/element_store.h"
 #include "platform/host/image_file.h"
+#include "platform/host/process_number.h"
 #include "platform/host/qryhost.h"
+#include "platform/host/write_in_progress.h"
 
 namespace qryhost {
 
@@ -143,23 +145,46 @@ void table_check::check_records() {
                   " records in use");
 }
 
-void check_writes(store_memory &memory, findings &found) {
-    const std::vector<category_place> &categories = store_layout::get().categories();
-    for (std::size_t i = 0; i < categories.size(); ++i) {
-        // Another process may be writing: only what stays odd and senseless is damage.
-        const std::uint32_t before = memory.guard(i).sequence.load(std::memory_order_acquire);
-        const bool is_senseless = is_writing(memory, i) && !names_a_write(memory, i);
-        std::atomic_thread_fence(std::memory_order_acquire);
-        if (is_senseless && memory.guard(i).sequence.load(std::memory_order_relaxed) == before) {
-            found.damage("category " + std::to_string(categories[i].category) +
-                         ": a write in progress names no value");
+std::string records_of(std::size_t category) {
+    return "category " + std::to_string(store_layout::get().categories()[category].category);
+}
+
+// Another process may be writing: only what stays odd and senseless is damage.
+void check_write(store_memory &memory, std::size_t category, findings &found) {
+    const std::atomic<std::uint32_t> &sequence = memory.guard(category).sequence;
+    const std::uint32_t before = sequence.load(std::memory_order_acquire);
+    const bool is_senseless = before % 2 != 0 && named_write(memory, category).kind == write_none;
+    std::atomic_thread_fence(std::memory_order_acquire);
+    if (is_senseless && sequence.load(std::memory_order_relaxed) == before) {
+        found.damage(records_of(category) + ": a write in progress names no value");
+    }
+}
+
+// Whoever holds the records now, or held them when it died.
+void tell_holder(store_memory &memory, std::size_t category, findings &found) {
+    const value_guard &guard = memory.guard(category);
+    const std::uint32_t holder = guard.holder.load(std::memory_order_relaxed);
+    const std::uint32_t space = guard.holder_space.load(std::memory_order_relaxed);
+    if (holder != 0) {
+        found.remark(records_of(category) + " is held by " + describe_process(holder, space));
+    }
+}
+
+void check_guards(store_memory &memory, findings &found) {
+    for (std::size_t i = 0; i < store_layout::get().categories().size(); ++i) {
+        check_write(memory, i, found);
+        if (memory.names_holders()) {
+            tell_holder(memory, i, found);
         }
+    }
+    if (memory.read_only_reason() != unwritable_reason) {
+        found.remark(memory.read_only_reason());
     }
 }
 
 void check_image_file(const char *path, findings &found) {
     store_memory memory = open_image_for_reading(path);
-    check_writes(memory, found);
+    check_guards(memory, found);
     const std::vector<std::uint8_t> region = element_store(std::move(memory)).snapshot();
     for (const norvane::database_schema *database : norvane::databases) {
         for (std::uint16_t t = 0; t < database->table_num; ++t) {

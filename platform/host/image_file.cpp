@@ -5,9 +5,11 @@
 
 #include <cstring>
 
+#include "platform/host/file_lock.h"
+#include "platform/host/file_system.h"
 #include "platform/host/image_header.h"
-#include "platform/host/value_lock.h"
 #include "platform/host/whole_file.h"
+#include "platform/host/write_in_progress.h"
 
 namespace qryhost {
 
@@ -16,27 +18,8 @@ namespace {
 constexpr off_t opening_byte = 0;
 constexpr off_t using_byte = 1;
 
-// Whether the file lock was obtained. Belongs to the open file, so it survives the closing of any other
-// descriptor of this file, and children of the process keep it alive as they keep the mapping.
-bool lock_byte(const open_file &file, off_t byte, short kind, bool wait) {
-    struct flock range {};
-    range.l_type = kind;
-    range.l_whence = SEEK_SET;
-    range.l_start = byte;
-    range.l_len = 1;
-    while (::fcntl(file.number(), wait ? F_OFD_SETLKW : F_OFD_SETLK, &range) != 0) {
-        if (errno == EAGAIN || errno == EACCES) {
-            return false;
-        }
-        if (errno != EINTR) {
-            throw refusal("a device image cannot be locked here: " + std::generic_category().message(errno));
-        }
-    }
-    return true;
-}
-
 // The file is open; it is refused unless it is an image of this build.
-void check_image(const std::string &path, const open_file &file) {
+image_use check_image(const std::string &path, const open_file &file) {
     struct stat status {};
     if (::fstat(file.number(), &status) != 0) {
         fail(path, "cannot be opened");
@@ -51,7 +34,11 @@ void check_image(const std::string &path, const open_file &file) {
     if (::pread(file.number(), &header, sizeof header, 0) < 0) {
         fail(path, "cannot be read");
     }
-    check_header(path, header, static_cast<std::uint64_t>(status.st_size));
+    image_use use = check_header(path, header, static_cast<std::uint64_t>(status.st_size));
+    if (const std::string reason = unshared_reason(file); use.read_only_reason.empty() && !reason.empty()) {
+        use.read_only_reason = path + ": " + reason;
+    }
+    return use;
 }
 
 // Runs alone. A write in progress that none can have been is damage: no process leaves that behind. All are
@@ -59,26 +46,34 @@ void check_image(const std::string &path, const open_file &file) {
 void prepare(const std::string &path, store_memory &memory) {
     const std::size_t category_num = store_layout::get().categories().size();
     for (std::size_t i = 0; i < category_num; ++i) {
-        if (is_writing(memory, i) && !names_a_write(memory, i)) {
+        if (is_writing(memory, i) && named_write(memory, i).kind == write_none) {
             throw refusal(path + ": is a damaged device image: a write in progress names no value");
         }
     }
     for (std::size_t i = 0; i < category_num; ++i) {
         settle_write(memory, i);
+        memory.guard(i).holder.store(0, std::memory_order_relaxed);
     }
     memory.create_locks(true);
 }
 
 store_memory map_for_writing(const std::string &path, open_file opened) {
-    lock_byte(opened, opening_byte, F_WRLCK, true);
-    const bool is_alone = lock_byte(opened, using_byte, F_WRLCK, false);
-    store_memory memory = store_memory::mapped(std::move(opened), false);
+    wait_for_byte(path, opened, opening_byte, F_WRLCK);
+    const bool is_alone = lock_byte(opened, using_byte, F_WRLCK);
+    store_memory memory = store_memory::mapped_for_writing(std::move(opened));
     if (is_alone) {
         prepare(path, memory);
     }
-    lock_byte(memory.file(), using_byte, F_RDLCK, true);
-    lock_byte(memory.file(), opening_byte, F_UNLCK, true);
+    wait_for_byte(path, memory.file(), using_byte, F_RDLCK);
+    lock_byte(memory.file(), opening_byte, F_UNLCK);
     return memory;
+}
+
+store_memory map_for_reading(const std::string &path, open_file opened, const image_use &use) {
+    require_room(path, opened, use.shape->bytes);
+    const std::string &reason = use.read_only_reason;
+    return store_memory::mapped_for_reading(std::move(opened), *use.shape,
+                                            reason.empty() ? unwritable_reason : reason);
 }
 
 std::string empty_image() {
@@ -97,9 +92,16 @@ void create_if_absent(const std::string &path) {
         }
         return;
     }
-    if (errno == ENOENT) {
-        create_whole_file(path, empty_image());
+    if (errno != ENOENT) {
+        return;
     }
+    const std::string folder = folder_of(path);
+    if (const open_file opened(folder, O_RDONLY | O_DIRECTORY); opened.is_open()) {
+        if (const std::string reason = unshared_reason(opened); !reason.empty()) {
+            throw refusal(path + ": " + reason);
+        }
+    }
+    create_whole_file(path, empty_image());
 }
 
 bool may_be_readable(int error) {
@@ -117,7 +119,11 @@ store_memory open_image(const std::string &path) {
     if (!file.is_open()) {
         fail(path, "cannot be opened");
     }
-    check_image(path, file);
+    const image_use use = check_image(path, file);
+    if (!use.read_only_reason.empty()) {
+        return map_for_reading(path, std::move(file), use);
+    }
+    reserve_room(path, file, use.shape->bytes);
     return map_for_writing(path, std::move(file));
 }
 
@@ -126,8 +132,7 @@ store_memory open_image_for_reading(const std::string &path) {
     if (!file.is_open()) {
         fail(path, "cannot be opened");
     }
-    check_image(path, file);
-    return store_memory::mapped(std::move(file), true);
+    return map_for_reading(path, std::move(file), check_image(path, file));
 }
 
 } // namespace qryhost

@@ -11,9 +11,16 @@ namespace qryhost {
 namespace {
 
 constexpr char image_magic[8] = {'Q', 'R', 'Y', 'I', 'M', 'A', 'G', 'E'};
-constexpr std::uint32_t image_version = 1;
+constexpr std::uint32_t image_version = 2;
+constexpr std::uint32_t earlier_version = 1; // its guards name no holder, its header no C library
 constexpr std::uint32_t own_byte_order = 0x01020304;
 constexpr std::uint32_t other_byte_order = 0x04030201;
+#ifdef __GLIBC__
+constexpr char own_c_library[] = "glibc";
+#else
+constexpr char own_c_library[] = "not glibc";
+#endif
+static_assert(sizeof own_c_library <= sizeof image_header::c_library);
 
 // FNV-1a. Numbers count as four bytes from the lowest up, so that the machine does not matter.
 class content_hash {
@@ -59,7 +66,7 @@ void add_schema(content_hash &hash) {
     }
 }
 
-std::uint64_t layout_hash() {
+std::uint64_t layout_hash(const memory_shape &shape) {
     content_hash hash;
     add_schema(hash);
     for (const element_place &place : store_layout::get().elements()) {
@@ -69,13 +76,28 @@ std::uint64_t layout_hash() {
         }
     }
     hash.add(static_cast<std::uint32_t>(sizeof(pthread_mutex_t)));
-    hash.add(memory_shape::get().guard_stride);
-    hash.add(memory_shape::get().region_offset);
+    hash.add(shape.guard_stride);
+    hash.add(shape.region_offset);
     return hash.value();
 }
 
-// Why `header` is not the one that is expected; null when it is.
-const char *difference(const image_header &header, const image_header &expected) {
+// What the file says there, as far as it can be shown.
+std::string c_library_of(const image_header &header) {
+    std::string name(header.c_library, sizeof header.c_library);
+    name.resize(std::min(name.find('\0'), name.size()));
+    const bool is_shown = std::all_of(name.begin(), name.end(), [](char c) { return c >= ' ' && c <= '~'; });
+    return name.empty() || !is_shown ? "unknown" : name;
+}
+
+// Whether the file says that its locks are made as here: processes of different C libraries cannot share
+// them.
+bool has_mutexes_of(const image_header &header, const image_header &expected) {
+    return std::memcmp(header.c_library, expected.c_library, sizeof header.c_library) == 0 &&
+           header.mutex_size == expected.mutex_size && header.mutex_kind == expected.mutex_kind;
+}
+
+// Why `header` is not the one that is expected; empty when it is.
+std::string difference(const image_header &header, const image_header &expected) {
     if (std::memcmp(header.magic, expected.magic, sizeof header.magic) != 0) {
         return "is no device image";
     }
@@ -94,21 +116,41 @@ const char *difference(const image_header &header, const image_header &expected)
     if (header.layout_hash != expected.layout_hash) {
         return "is a device image of another layout: its schema or capacities differ";
     }
+    if (!has_mutexes_of(header, expected)) {
+        return "is a device image with the locks of another C library: " + c_library_of(header) + ", here " +
+               own_c_library;
+    }
     if (std::memcmp(&header, &expected, sizeof header) != 0) {
         return "is a damaged device image: its header is wrong";
     }
-    return nullptr;
+    return "";
 }
 
-image_header make_header() {
+image_header make_header(std::uint32_t version, const memory_shape &shape) {
     image_header header{};
     std::memcpy(header.magic, image_magic, sizeof header.magic);
     header.byte_order = own_byte_order;
-    header.version = image_version;
+    header.version = version;
     header.word_size = sizeof(void *);
-    header.file_size = memory_shape::get().bytes;
-    header.layout_hash = layout_hash();
+    header.file_size = shape.bytes;
+    header.layout_hash = layout_hash(shape);
     return header;
+}
+
+image_header make_own_header() {
+    image_header header = make_header(image_version, memory_shape::get());
+    std::strncpy(header.c_library, own_c_library, sizeof header.c_library - 1);
+    header.mutex_size = sizeof(pthread_mutex_t);
+    header.mutex_kind = fresh_mutex_kind(true);
+    return header;
+}
+
+std::string how_to_carry_over(const std::string &path) {
+    return path +
+           ": is a device image of the earlier format version, which is only read; carry its records over "
+           "with "
+           "qrysh --image " +
+           path + " -c '.save records.json' and qrysh --image NEW -c '.load records.json'";
 }
 
 std::string of_bytes(std::uint64_t found, std::uint64_t expected) {
@@ -118,22 +160,30 @@ std::string of_bytes(std::uint64_t found, std::uint64_t expected) {
 } // namespace
 
 const image_header &expected_header() {
-    static const image_header header = make_header();
+    static const image_header header = make_own_header();
     return header;
 }
 
-void check_header(const std::string &path, const image_header &header, std::uint64_t file_size) {
-    const image_header &expected = expected_header();
+const image_header &earlier_header() {
+    static const image_header header = make_header(earlier_version, memory_shape::earlier());
+    return header;
+}
+
+image_use check_header(const std::string &path, const image_header &header, std::uint64_t file_size) {
+    const bool is_earlier = header.version == earlier_version;
+    const memory_shape &shape = is_earlier ? memory_shape::earlier() : memory_shape::get();
+    const image_header &expected = is_earlier ? earlier_header() : expected_header();
     if (file_size < sizeof(image_header)) {
         throw refusal(path + ": is too short for a device image: " + of_bytes(file_size, expected.file_size));
     }
-    if (const char *reason = difference(header, expected)) {
+    if (const std::string reason = difference(header, expected); !reason.empty()) {
         throw refusal(path + ": " + reason);
     }
     if (file_size != expected.file_size) {
         throw refusal(path + ": is a damaged device image: it has " +
                       of_bytes(file_size, expected.file_size));
     }
+    return {&shape, is_earlier ? how_to_carry_over(path) : ""};
 }
 
 } // namespace qryhost

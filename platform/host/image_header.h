@@ -8,10 +8,19 @@
 
 namespace qryhost {
 
-// The only header that is accepted.
+// The header of every image that is written here.
 const image_header &expected_header();
 
+// That of images of the earlier format version.
+const image_header &earlier_header();
+
+// How a file may be used.
+struct image_use {
+    const memory_shape *shape;
+    std::string read_only_reason; // empty: it may be written
+};
+
 // Throws `refusal` when a file of `file_size` bytes that starts with `header` is no image of this build.
-void check_header(const std::string &path, const image_header &header, std::uint64_t file_size);
+image_use check_header(const std::string &path, const image_header &header, std::uint64_t file_size);
 
 } // namespace qryhost

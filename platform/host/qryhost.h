@@ -40,6 +40,15 @@ int qryhost_open(const char *image_path);
 int qryhost_close(void);
 
 /**
+ * Says how long a call waits for others that hold records of a device image: ten seconds unless this says
+ * otherwise. Then a call that writes answers 0x5246, and resetting or loading fails; qryhost_error() says who
+ * holds them. Who only reads does not wait for who writes.
+ *
+ * @param milliseconds  the longest wait, of all threads
+ */
+void qryhost_set_patience(uint32_t milliseconds);
+
+/**
  * Puts every record, default record and setting back to its initial value: zeros.
  *
  * @return 0, or non-zero

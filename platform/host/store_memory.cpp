@@ -3,6 +3,7 @@
 
 #include <sys/mman.h>
 
+#include <cstddef>
 #include <utility>
 
 namespace qryhost {
@@ -13,19 +14,19 @@ namespace {
 constexpr std::uint32_t cache_line = 64;
 static_assert(sizeof(image_header) % cache_line == 0);
 
-memory_shape make_shape() {
+memory_shape make_shape(std::uint32_t guard_bytes) {
     const store_layout &layout = store_layout::get();
     const auto guard_num = static_cast<std::uint32_t>(layout.categories().size());
-    const std::uint32_t guard_bytes = sizeof(value_guard) + layout.largest_size();
     memory_shape shape{};
-    shape.guard_stride = (guard_bytes + cache_line - 1) / cache_line * cache_line;
+    shape.guard_bytes = guard_bytes;
+    shape.guard_stride = (guard_bytes + layout.largest_size() + cache_line - 1) / cache_line * cache_line;
     shape.region_offset = static_cast<std::uint32_t>(sizeof(image_header)) + guard_num * shape.guard_stride;
     shape.bytes = shape.region_offset + layout.bytes();
     return shape;
 }
 
-void *map(int protection, int flags, int file) {
-    void *base = ::mmap(nullptr, memory_shape::get().bytes, protection, flags, file, 0);
+void *map(std::size_t bytes, int protection, int flags, int file) {
+    void *base = ::mmap(nullptr, bytes, protection, flags, file, 0);
     if (base == MAP_FAILED) {
         throw refusal("the store cannot be mapped: " + std::generic_category().message(errno));
     }
@@ -54,34 +55,68 @@ class mutex_attributes {
 } // namespace
 
 const memory_shape &memory_shape::get() {
-    static const memory_shape shape = make_shape();
+    static const memory_shape shape = make_shape(sizeof(value_guard));
     return shape;
 }
 
-store_memory::store_memory(void *base, open_file file, bool is_read_only)
-    : base_(static_cast<std::uint8_t *>(base)), region_(base_ + memory_shape::get().region_offset),
-      guard_stride_(memory_shape::get().guard_stride), file_(std::move(file)), is_read_only_(is_read_only) {}
+const memory_shape &memory_shape::earlier() {
+    static const memory_shape shape = make_shape(offsetof(value_guard, holder));
+    return shape;
+}
+
+std::uint32_t mutex_kind(const pthread_mutex_t &mutex) {
+#ifdef __GLIBC__
+    return static_cast<std::uint32_t>(mutex.__data.__kind);
+#else
+    static_cast<void>(mutex); // then nothing can be told
+    return 0;
+#endif
+}
+
+std::uint32_t fresh_mutex_kind(bool is_shared) {
+    const mutex_attributes attributes(is_shared);
+    pthread_mutex_t fresh;
+    ::pthread_mutex_init(&fresh, attributes.get());
+    const std::uint32_t kind = mutex_kind(fresh);
+    ::pthread_mutex_destroy(&fresh);
+    return kind;
+}
+
+store_memory::store_memory(void *base, open_file file, const memory_shape &shape,
+                           std::string read_only_reason)
+    : base_(static_cast<std::uint8_t *>(base)), region_(base_ + shape.region_offset),
+      guard_stride_(shape.guard_stride), shape_(&shape), lock_kind_(fresh_mutex_kind(file.is_open())),
+      file_(std::move(file)), read_only_reason_(std::move(read_only_reason)) {}
 
 store_memory::store_memory(store_memory &&other) noexcept
     : base_(std::exchange(other.base_, nullptr)), region_(other.region_), guard_stride_(other.guard_stride_),
-      file_(std::move(other.file_)), is_read_only_(other.is_read_only_) {}
+      shape_(other.shape_), lock_kind_(other.lock_kind_), file_(std::move(other.file_)),
+      read_only_reason_(std::move(other.read_only_reason_)) {}
 
 // Unmapped before the file is closed, and with it the file locks go.
 store_memory::~store_memory() {
     if (base_ != nullptr) {
-        ::munmap(base_, memory_shape::get().bytes);
+        ::munmap(base_, shape_->bytes);
     }
 }
 
 store_memory store_memory::private_memory() {
-    store_memory memory(map(PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1), {}, false);
+    const memory_shape &shape = memory_shape::get();
+    store_memory memory(map(shape.bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1), {}, shape,
+                        "");
     memory.create_locks(false);
     return memory;
 }
 
-store_memory store_memory::mapped(open_file file, bool is_read_only) {
-    void *base = map(is_read_only ? PROT_READ : PROT_READ | PROT_WRITE, MAP_SHARED, file.number());
-    return store_memory(base, std::move(file), is_read_only);
+store_memory store_memory::mapped_for_writing(open_file file) {
+    const memory_shape &shape = memory_shape::get();
+    void *base = map(shape.bytes, PROT_READ | PROT_WRITE, MAP_SHARED, file.number());
+    return {base, std::move(file), shape, ""};
+}
+
+store_memory store_memory::mapped_for_reading(open_file file, const memory_shape &shape, std::string reason) {
+    void *base = map(shape.bytes, PROT_READ, MAP_SHARED, file.number());
+    return {base, std::move(file), shape, std::move(reason)};
 }
 
 void store_memory::create_locks(bool is_shared) {

@@ -4,92 +4,91 @@
 // processors see them in this order is needed by readers without a lock alone, and costs next to nothing.
 #include "platform/host/value_lock.h"
 
-#include <algorithm>
 #include <cerrno>
-#include <cstring>
+#include <string>
 #include <utility>
 
 #include "platform/host/copy_value.h"
+#include "platform/host/process_number.h"
+#include "platform/host/write_in_progress.h"
 
 namespace qryhost {
 
 namespace {
 
-const category_place &place_of(std::size_t category) {
-    return store_layout::get().categories()[category];
+std::string records_of(std::size_t category) {
+    return "the records of category " + std::to_string(store_layout::get().categories()[category].category);
 }
 
-// Calls `visit(offset of the value, offset of the default value, size)` for every value of the records.
-template <typename Visit>
-void for_each_value(std::size_t category, std::uint32_t first, std::uint32_t last, Visit visit) {
-    const element_place *element = &store_layout::get().elements()[place_of(category).first_element];
-    const element_place *const end = element + place_of(category).element_num;
-    for (; element != end; ++element) {
-        for (std::uint32_t record = first; record <= last; ++record) {
-            visit(element->value_offset(record), element->offset, element->size);
-        }
-    }
+[[noreturn]] void refuse_busy(const value_guard &guard, std::size_t category, const wait_limit &limit) {
+    const std::uint32_t holder = guard.holder.load(std::memory_order_relaxed);
+    const std::uint32_t space = guard.holder_space.load(std::memory_order_relaxed);
+    throw refusal(records_of(category) + " are held by " +
+                  (holder != 0 ? describe_process(holder, space) : "a process that did not say its number") +
+                  "; waited " + std::to_string(limit.most().count()) + " ms");
 }
 
-void copy_default(store_memory &memory, std::size_t category, std::uint32_t first, std::uint32_t last) {
-    std::uint8_t *region = memory.region();
-    for_each_value(category, first, last,
-                   [region](std::uint32_t value, std::uint32_t from, std::uint16_t size) {
-                       copy_shared(region + value, region + from, size);
-                   });
-}
-
-// A copy of a part of the region, which begins at `offset`.
-struct region_copy {
-    std::uint8_t *bytes;
-    std::uint32_t offset;
-    std::size_t size;
-
-    // Puts in what belongs at `place` of the region, as far as the copy reaches there.
-    void put(std::uint32_t place, const std::uint8_t *value, std::uint32_t length) const {
-        const std::size_t begin = std::max(place, offset);
-        const std::size_t end = std::min<std::size_t>(std::size_t{place} + length, offset + size);
-        if (begin < end) {
-            std::memcpy(bytes + (begin - offset), value + (begin - place), end - begin);
-        }
-    }
-};
-
-// Settles the write in progress in a copy, where the region itself cannot be written.
-void settle_in_copy(store_memory &memory, std::size_t category, const region_copy &copy) {
-    if (!names_a_write(memory, category)) {
-        return;
-    }
-    const value_guard &guard = memory.guard(category);
-    if (guard.kind.load(std::memory_order_relaxed) == write_value) {
-        copy.put(guard.offset, memory.old_value(category), guard.size);
-        return;
-    }
-    const std::uint8_t *region = memory.region();
-    for_each_value(category, guard.first, guard.last,
-                   [&copy, region](std::uint32_t value, std::uint32_t from, std::uint16_t size) {
-                       copy.put(value, region + from, size);
-                   });
+[[noreturn]] void refuse_damaged(std::size_t category) {
+    throw refusal("the lock of " + records_of(category) +
+                  " is damaged; it is made anew when all who use the image close it");
 }
 
 } // namespace
 
-// A mutex of this kind answers nothing else: whoever hears of a dead holder makes it consistent again, and
-// nobody locks it twice.
-value_lock::value_lock(store_memory &memory, std::size_t category) : memory_(&memory), category_(category) {
-    if (::pthread_mutex_lock(&memory.guard(category).mutex) == EOWNERDEAD) {
-        settle_write(memory, category);
-        ::pthread_mutex_consistent(&memory.guard(category).mutex);
+value_lock::value_lock(store_memory &memory, std::size_t category, wait_limit &limit) : value_lock(memory) {
+    while (!take(category)) {
+        if (!limit.pause()) {
+            refuse_busy(memory.guard(category), category, limit);
+        }
     }
 }
 
 value_lock::value_lock(value_lock &&other) noexcept
-    : memory_(std::exchange(other.memory_, nullptr)), category_(other.category_) {}
+    : memory_(other.memory_), category_(std::exchange(other.category_, none)) {}
+
+std::optional<value_lock> value_lock::if_free(store_memory &memory, std::size_t category) {
+    value_lock lock(memory);
+    return lock.take(category) ? std::optional<value_lock>(std::move(lock)) : std::nullopt;
+}
 
 value_lock::~value_lock() {
-    if (memory_ != nullptr) {
-        ::pthread_mutex_unlock(&memory_->guard(category_).mutex);
+    if (category_ != none) {
+        memory_->guard(category_).holder.store(0, std::memory_order_relaxed);
+        release();
     }
+}
+
+void value_lock::release() {
+    ::pthread_mutex_unlock(&memory_->guard(std::exchange(category_, none)).mutex);
+}
+
+// Tries once. The C library does as the mutex says, so one of another kind is not touched: it could wait
+// for ever, end the process, or answer that it is locked when it is not. False: somebody else holds it.
+bool value_lock::take(std::size_t category) {
+    value_guard &guard = memory_->guard(category);
+    if (mutex_kind(guard.mutex) != memory_->lock_kind()) {
+        refuse_damaged(category);
+    }
+    const int answer = ::pthread_mutex_trylock(&guard.mutex);
+    if (answer == EBUSY) {
+        return false;
+    }
+    if (answer != 0 && answer != EOWNERDEAD) {
+        refuse_damaged(category);
+    }
+    category_ = category;
+    // A living holder names nobody before it lets go: the mutex was overwritten while that one holds it.
+    if (answer == 0 && guard.holder.load(std::memory_order_relaxed) != 0) {
+        release();
+        refuse_damaged(category);
+    }
+    guard.holder.store(own_process.number.load(std::memory_order_relaxed), std::memory_order_relaxed);
+    guard.holder_space.store(own_process.space.load(std::memory_order_relaxed), std::memory_order_relaxed);
+    settle_write(*memory_, category);
+    if (answer == EOWNERDEAD && ::pthread_mutex_consistent(&guard.mutex) != 0) {
+        refuse_damaged(category);
+    }
+    return true;
 }
 
 // What the guard says stands before the sequence is odd, and nothing is written before it is.
@@ -107,12 +106,15 @@ void value_lock::end() {
     guard.kind.store(write_none, std::memory_order_release);
 }
 
+// Readers may still be settling a copy by the write before this one: they must see its end before they see
+// what it kept overwritten.
 void value_lock::replace(std::uint32_t offset, std::uint32_t size, const void *value) {
     value_guard &guard = memory_->guard(category_);
     std::uint8_t *place = memory_->region() + offset;
-    std::memcpy(memory_->old_value(category_), place, size);
-    guard.offset = offset;
-    guard.size = size;
+    std::atomic_thread_fence(std::memory_order_release);
+    copy_shared(memory_->old_value(category_), place, size);
+    guard.offset.store(offset, std::memory_order_relaxed);
+    guard.size.store(size, std::memory_order_relaxed);
     begin(write_value);
     copy_shared(place, value, size);
     end();
@@ -120,62 +122,12 @@ void value_lock::replace(std::uint32_t offset, std::uint32_t size, const void *v
 
 void value_lock::restore_default(std::uint32_t first, std::uint32_t last) {
     value_guard &guard = memory_->guard(category_);
-    guard.first = first;
-    guard.last = last;
+    std::atomic_thread_fence(std::memory_order_release);
+    guard.first.store(first, std::memory_order_relaxed);
+    guard.last.store(last, std::memory_order_relaxed);
     begin(write_reset);
     copy_default(*memory_, category_, first, last);
     end();
-}
-
-bool is_writing(store_memory &memory, std::size_t category) {
-    return is_odd(memory.guard(category).sequence.load(std::memory_order_acquire));
-}
-
-bool names_a_write(store_memory &memory, std::size_t category) {
-    const value_guard &guard = memory.guard(category);
-    switch (guard.kind.load(std::memory_order_relaxed)) {
-    case write_value:
-        return store_layout::get().has_value(category, guard.offset, guard.size);
-    case write_reset:
-        return guard.first > 0 && guard.last <= place_of(category).record_num;
-    default:
-        return false;
-    }
-}
-
-// May be killed too: the sequence stays odd until all is done, and doing it again does no harm.
-void settle_write(store_memory &memory, std::size_t category) {
-    value_guard &guard = memory.guard(category);
-    const std::uint32_t sequence = guard.sequence.load(std::memory_order_relaxed);
-    if (!is_odd(sequence)) {
-        return;
-    }
-    if (names_a_write(memory, category)) {
-        if (guard.kind.load(std::memory_order_relaxed) == write_value) {
-            copy_shared(memory.region() + guard.offset, memory.old_value(category), guard.size);
-        } else {
-            copy_default(memory, category, guard.first, guard.last);
-        }
-    }
-    guard.sequence.store(sequence + 1, std::memory_order_release);
-    guard.kind.store(write_none, std::memory_order_release);
-}
-
-// While the sequence stays odd, the guard and what it refers to stay as they are.
-void copy_without_lock(store_memory &memory, std::size_t category, std::uint32_t offset, std::size_t size,
-                       void *copy) {
-    const value_guard &guard = memory.guard(category);
-    for (;;) {
-        const std::uint32_t before = guard.sequence.load(std::memory_order_acquire);
-        std::memcpy(copy, memory.region() + offset, size);
-        if (is_odd(before)) {
-            settle_in_copy(memory, category, {static_cast<std::uint8_t *>(copy), offset, size});
-        }
-        std::atomic_thread_fence(std::memory_order_acquire);
-        if (guard.sequence.load(std::memory_order_relaxed) == before) {
-            return;
-        }
-    }
 }
 
 } // namespace qryhost

@@ -65,8 +65,7 @@ temporary_file::temporary_file(const std::string &target, const std::string &con
 
 // The new name is on the disk only when the folder is. Some file systems cannot sync folders.
 void sync_folder_of(const std::string &path) {
-    const std::size_t slash = path.rfind('/');
-    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    const std::string folder = folder_of(path);
     const open_file opened(folder, O_RDONLY | O_DIRECTORY);
     if (!opened.is_open() || (::fsync(opened.number()) != 0 && errno != EINVAL)) {
         fail(folder, "cannot be synced");
@@ -74,6 +73,11 @@ void sync_folder_of(const std::string &path) {
 }
 
 } // namespace
+
+std::string folder_of(const std::string &path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "." : path.substr(0, slash + 1);
+}
 
 std::string read_whole_file(const std::string &path, std::size_t size_max) {
     const open_file file(path, O_RDONLY | O_NONBLOCK); // opening a pipe must not wait for its writer

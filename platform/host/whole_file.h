@@ -6,6 +6,9 @@
 
 namespace qryhost {
 
+// The folder that a path's last name stands in.
+std::string folder_of(const std::string &path);
+
 // The content of a regular file of at most `size_max` bytes. Throws `refusal`.
 std::string read_whole_file(const std::string &path, std::size_t size_max);
 

@@ -34,13 +34,14 @@ class child_process {
 
     pid_t id() const { return id_; }
 
-    // Waits for the child's end.
-    bool succeeded() {
+    // Waits for the child's end. -1: it did not end by itself.
+    int exit_status() {
         int status = 0;
         const pid_t child = std::exchange(id_, -1);
-        return child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) &&
-               WEXITSTATUS(status) == 0;
+        const bool has_ended = child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status);
+        return has_ended ? WEXITSTATUS(status) : -1;
     }
+    bool succeeded() { return exit_status() == 0; }
 
     // Ends the child wherever it is. False: it had ended before.
     bool kill() {
