@@ -93,7 +93,9 @@ typedef struct {
  * Opens a list table over one element: the values of the records in order, as they were at one moment. The
  * library opens one for each condition of a search and closes all of them at its end. A failure is traced,
  * every list table of the search is deleted, those that were never created included, and the search goes on;
- * it then ends at the first value that it cannot reach.
+ * it then ends at the first value that it cannot reach. What the lists of one search show may be of different
+ * moments. A platform may also show one: it may copy the lists that a thread has opened in a category again, as
+ * long as the thread has not moved in a list or read from one since.
  *
  * @param category    the table
  * @param element     the column

@@ -34,11 +34,6 @@ void element_store::write(const element_place &place, std::uint32_t record, cons
     hold.replace(place.value_offset(record), place.size, buffer);
 }
 
-void element_store::copy_column(const element_place &place, std::uint32_t record_num, void *values) {
-    region_part part = {place.lock, place.value_offset(1), std::size_t{place.size} * record_num, values, 0};
-    copy_at_one_moment(&part, 1);
-}
-
 void element_store::restore_default(const category_place &table, std::uint32_t first, std::uint32_t last) {
     wait_limit limit;
     value_lock hold(memory_, layout_.elements()[table.first_element].lock, limit);

@@ -40,8 +40,8 @@ class element_store {
 
     void write(const element_place &place, std::uint32_t record, const void *buffer);
 
-    // Copies the element's values of records 1 to `record_num`, back to back, as they are at one moment.
-    void copy_column(const element_place &place, std::uint32_t record_num, void *values);
+    // Copies parts as they are at one moment.
+    void copy_at_one_moment(region_part *parts, std::size_t num);
 
     // Puts records `first` to `last` back to the default record.
     void restore_default(const category_place &table, std::uint32_t first, std::uint32_t last);
@@ -54,8 +54,6 @@ class element_store {
 
   private:
     std::vector<value_lock> hold_all();
-    void copy_at_one_moment(region_part *parts, std::size_t num);
-
     const store_layout &layout_;
     store_memory memory_;
 };

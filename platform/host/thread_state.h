@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "platform/host/block_cache.h"
+#include "platform/host/list_moment.h"
 #include "platform/host/qryhost.h"
 
 namespace qryhost {
@@ -22,6 +23,7 @@ struct thread_state {
     std::ptrdiff_t peak_bytes;
 
     block_cache freed_blocks;
+    list_moment moment;
 };
 
 // The calling thread's state, null before its first call. Every platform call looks here, so it must not cost
