@@ -21,6 +21,7 @@ int qryhost_close(void) {
 
 int qryhost_reset(void) {
     return qryhost::control([] {
+        const qryhost::store_use use;
         qryhost::element_store &store = qryhost::required_writable_store();
         store.replace(std::vector<std::uint8_t>(store.layout().bytes()));
     });
@@ -28,6 +29,7 @@ int qryhost_reset(void) {
 
 int qryhost_load(const char *json_path) {
     return qryhost::control([json_path] {
+        const qryhost::store_use use;
         qryhost::element_store &store = qryhost::required_writable_store();
         store.replace(qryhost::load_fixture(qryhost::required_path(json_path)));
     });
@@ -35,6 +37,7 @@ int qryhost_load(const char *json_path) {
 
 int qryhost_save(const char *json_path) {
     return qryhost::control([json_path] {
+        const qryhost::store_use use;
         qryhost::element_store &store = qryhost::required_store();
         qryhost::save_fixture(qryhost::required_path(json_path), store.snapshot());
     });

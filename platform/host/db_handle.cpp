@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::int32_t bad_registration = 1;
 
-qryhost::guard_mutex registration_lock;
+qryhost::guard_mutex registration_lock(qryhost::lock_rank::handles);
 sdb_db_handle_callback registered_callback QRYLIB_GUARDED_BY(registration_lock) = nullptr;
 void *registered_cell QRYLIB_GUARDED_BY(registration_lock) = nullptr;
 

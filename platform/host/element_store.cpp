@@ -1,9 +1,14 @@
 // Access to the values, and the one store that the process has open.
 #include "platform/host/element_store.h"
 
+#include <linux/membarrier.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <thread>
 #include <utility>
 
 #include "platform/host/control.h"
@@ -80,7 +85,7 @@ std::atomic<element_store *> open_now{nullptr};
 namespace {
 
 // Opening and closing are rare and take the lock.
-guard_mutex opening_lock;
+guard_mutex opening_lock(lock_rank::opening);
 std::unique_ptr<element_store> owned_store QRYLIB_GUARDED_BY(opening_lock);
 
 std::unique_ptr<element_store> make_store(const char *image_path) {
@@ -98,7 +103,50 @@ element_store *open_default_store() {
     return owned_store.get();
 }
 
+// Makes every thread of the process show what it has written so far. Where the system cannot, a pause does:
+// no processor keeps a write to itself for so long.
+void show_all_counts() {
+    if (::syscall(SYS_membarrier, MEMBARRIER_CMD_PRIVATE_EXPEDITED, 0, 0) != 0 &&
+        (::syscall(SYS_membarrier, MEMBARRIER_CMD_REGISTER_PRIVATE_EXPEDITED, 0, 0) != 0 ||
+         ::syscall(SYS_membarrier, MEMBARRIER_CMD_PRIVATE_EXPEDITED, 0, 0) != 0)) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+}
+
+// Calls that begin from now on wait for the lock.
+void replace_store(std::unique_ptr<element_store> fresh) QRYLIB_REQUIRES(opening_lock) {
+    if (owned_store != nullptr) {
+        own_state();
+        open_now.store(nullptr, std::memory_order_seq_cst);
+        show_all_counts();
+        if (is_store_used_elsewhere()) {
+            open_now.store(owned_store.get(), std::memory_order_release);
+            throw refusal("another thread is inside a call or holds a list");
+        }
+    }
+    owned_store = std::move(fresh);
+    open_now.store(owned_store.get(), std::memory_order_release);
+}
+
+std::vector<value_lock> held_for_fork;
+
 } // namespace
+
+void hold_store_for_fork() noexcept {
+    element_store *store = open_now.load(std::memory_order_acquire);
+    if (store == nullptr || store->is_shared()) {
+        return;
+    }
+    try {
+        held_for_fork = store->hold_all();
+    } catch (const std::exception &) {
+        held_for_fork.clear(); // a thread that a debugger stopped: the child gets the values as they are
+    }
+}
+
+void release_store_after_fork() noexcept {
+    held_for_fork.clear();
+}
 
 element_store *open_on_first_use() noexcept {
     element_store *store = nullptr;
@@ -125,14 +173,12 @@ element_store &required_writable_store() {
 void open_store(const char *image_path) {
     std::unique_ptr<element_store> fresh = make_store(image_path);
     const guard hold(opening_lock);
-    open_now.store(fresh.get(), std::memory_order_release);
-    owned_store = std::move(fresh);
+    replace_store(std::move(fresh));
 }
 
 void close_store() {
     const guard hold(opening_lock);
-    open_now.store(nullptr, std::memory_order_release);
-    owned_store.reset();
+    replace_store(nullptr);
 }
 
 } // namespace qryhost

@@ -19,7 +19,7 @@ struct fault {
 
 // Everything that threads share here, under one lock.
 struct shared_state {
-    guard_mutex lock;
+    guard_mutex lock{lock_rank::faults};
     std::array<fault, QRYHOST_CALL_NUM> faults QRYLIB_GUARDED_BY(lock);
     std::array<std::uint32_t, QRYHOST_CALL_NUM>
         cleared QRYLIB_GUARDED_BY(lock) = {}; // calls before the last qryhost_fail_clear

@@ -76,7 +76,7 @@ class temporary_folder {
     }
 
   private:
-    qryhost::guard_mutex lock_;
+    qryhost::guard_mutex lock_{qryhost::lock_rank::temporary_folder};
     std::string path_ QRYLIB_GUARDED_BY(lock_);
     ::pid_t owner_ QRYLIB_GUARDED_BY(lock_) = 0;
 };
@@ -172,7 +172,7 @@ class open_files {
         return number != 0 && number <= descriptors_.size() && descriptors_[number - 1] != closed;
     }
 
-    qryhost::guard_mutex lock_;
+    qryhost::guard_mutex lock_{qryhost::lock_rank::files};
     std::array<int, 64> descriptors_ QRYLIB_GUARDED_BY(lock_);
 };
 

@@ -22,13 +22,13 @@ std::size_t bytes_of(const list_values &values) {
     return std::size_t{values.place->size} * values.record_num;
 }
 
-owned_values make_values(const element_place &place, std::uint32_t record_num, list_moment *moment) {
+owned_values make_values(const element_place &place, std::uint32_t record_num, std::uint32_t owner) {
     void *memory = std::malloc(sizeof(list_values) + std::size_t{place.size} * record_num);
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
     return owned_values(new (memory)
-                            list_values{nullptr, nullptr, &place, moment, record_num, {list_values::alone}});
+                            list_values{nullptr, nullptr, &place, owner, record_num, {list_values::alone}});
 }
 
 region_part part_of(const list_values &values, void *copy) {
@@ -42,7 +42,7 @@ std::uint8_t *list_moment::open(element_store &store, const element_place &place
     if (first_ != nullptr && (moves != moves_ || place.lock != category_)) {
         end();
     }
-    owned_values fresh = make_values(place, record_num, this);
+    owned_values fresh = make_values(place, record_num, owner_);
     region_part part = part_of(*fresh, fresh->bytes());
     store.copy_at_one_moment(&part, 1);
     if (first_ != nullptr && part.sequence != sequence_) {
@@ -98,13 +98,14 @@ void list_moment::end() {
     }
 }
 
-void list_moment::close(std::uint8_t *bytes) {
+std::uint32_t list_moment::close(std::uint8_t *bytes) {
     list_values *values = list_values::of(bytes);
-    if (values->moment != this) {
+    const std::uint32_t owner = values->owner;
+    if (owner != owner_) {
         if (values->now.exchange(list_values::dropped) == list_values::alone) {
             std::free(values);
         }
-        return;
+        return owner;
     }
     if (values->now.load(std::memory_order_relaxed) == list_values::joined) {
         if (values->next != nullptr) {
@@ -113,6 +114,7 @@ void list_moment::close(std::uint8_t *bytes) {
         (values == first_ ? first_ : values->previous->next) = values->next;
     }
     std::free(values);
+    return owner;
 }
 
 } // namespace qryhost

@@ -11,7 +11,6 @@ namespace qryhost {
 
 class element_store;
 struct element_place;
-class list_moment;
 
 // Stands in front of a list's values.
 struct alignas(std::max_align_t) list_values {
@@ -22,7 +21,7 @@ struct alignas(std::max_align_t) list_values {
     list_values *previous;
     list_values *next;
     const element_place *place;
-    list_moment *moment; // of the thread that opened it
+    std::uint32_t owner; // the number of the thread that opened it
     std::uint32_t record_num;
     std::atomic<state> now;
 
@@ -33,7 +32,8 @@ struct alignas(std::max_align_t) list_values {
 // A thread's newest moment.
 class list_moment {
   public:
-    list_moment() = default;
+    // The number of its thread, which no other thread has or had.
+    explicit list_moment(std::uint32_t owner) : owner_(owner) {}
     list_moment(const list_moment &) = delete;
     list_moment &operator=(const list_moment &) = delete;
     ~list_moment() { end(); }
@@ -43,14 +43,15 @@ class list_moment {
     std::uint8_t *open(element_store &store, const element_place &place, std::uint32_t record_num,
                        std::uint32_t moves);
 
-    // Frees the values of a list, whichever thread opened it.
-    void close(std::uint8_t *bytes);
+    // Frees the values of a list, whichever thread opened it; answers that thread's number.
+    std::uint32_t close(std::uint8_t *bytes);
 
   private:
     void end();
     void join(list_values *values);
     void copy_again(element_store &store, list_values &newest);
 
+    std::uint32_t owner_;
     list_values *first_ = nullptr;
     std::uint32_t category_ = 0; // by its position
     std::uint32_t sequence_ = 0; // the category's, at the moment

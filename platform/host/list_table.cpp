@@ -111,7 +111,11 @@ extern "C" {
 
 std::uint32_t tbctSTCCreateListTable(std::uint32_t category, std::uint32_t element, std::uint16_t record_num,
                                      tbctListTable *list) {
-    return create(category, element, record_num, list);
+    const std::uint32_t code = create(category, element, record_num, list);
+    if (code != 0) {
+        qryhost::end_use(qryhost::own_state()); // else the list goes on using the store
+    }
+    return code;
 }
 
 std::uint32_t tbctSTCListTableSetPos(tbctListTable *list, std::uint16_t position) {
@@ -129,7 +133,9 @@ std::uint32_t tbctSTCDeleteListTable(tbctListTable *list, std::uint32_t) {
         return qryhost::element_refused;
     }
     if (std::uint8_t *values = unpack(*list).values) {
-        qryhost::own_state().moment.close(values);
+        qryhost::thread_state &mine = qryhost::own_state();
+        const std::uint32_t opener = mine.moment.close(values);
+        opener == mine.number ? qryhost::end_use(mine) : qryhost::end_use_of(opener);
         *list = tbctListTable{};
     }
     return 0;

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "platform/host/faults.h"
+#include "platform/host/mutexes.h"
 #include "platform/os.h"
 
 namespace {
@@ -33,12 +34,25 @@ class checked_mutex {
         return 0;
     }
 
+    void hold_for_fork() {
+        is_held_for_fork_ = !is_held_here();
+        if (is_held_for_fork_) {
+            mutex_.lock();
+        }
+    }
+    void release_after_fork() {
+        if (is_held_for_fork_) {
+            mutex_.unlock();
+        }
+    }
+
   private:
     // Only the thread itself makes itself the holder, so its own answer cannot be out of date.
     bool is_held_here() const { return holder_.load() == std::this_thread::get_id(); }
 
     std::mutex mutex_;
     std::atomic<std::thread::id> holder_{};
+    bool is_held_for_fork_ = false;
 };
 
 // The contract has no call that destroys a mutex, so identifiers are handed out once, 1 upwards.
@@ -60,7 +74,28 @@ checked_mutex &task_lock() {
     return lock;
 }
 
+std::uint32_t held_for_fork = 0; // of the mutexes, those with the first numbers
+
 } // namespace
+
+namespace qryhost {
+
+void hold_mutexes_for_fork() noexcept {
+    task_lock().hold_for_fork();
+    held_for_fork = created;
+    for (std::uint32_t mutex = 1; mutex <= held_for_fork; ++mutex) {
+        mutex_at(mutex).hold_for_fork();
+    }
+}
+
+void release_mutexes_after_fork() noexcept {
+    for (std::uint32_t mutex = held_for_fork; mutex > 0; --mutex) {
+        mutex_at(mutex).release_after_fork();
+    }
+    task_lock().release_after_fork();
+}
+
+} // namespace qryhost
 
 extern "C" {
 

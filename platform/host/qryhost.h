@@ -14,17 +14,24 @@ extern "C" {
 
 /**
  * Opens the element store: private memory, which every process has until it asks for more unless
- * QRYLIB_IMAGE names an image, or a device image, which all processes that open it share. Must not run beside
- * other platform calls. Values of private memory are dropped; the store stays as it was when the new one is
- * refused.
+ * QRYLIB_IMAGE names an image, or a device image, which all processes that open it share. Refused while
+ * another thread is inside a call or holds a list; the thread's own lists stay as they are. Values of private
+ * memory are dropped; the store stays as it was when the new one is refused.
  *
- * An image that is not there is created, all zeros. It belongs to one build: one of another format version,
- * schema, capacities, word size or byte order is refused, as is any other file. An image that cannot be
- * written is opened for reading; writes then answer 0x5245, and resetting or loading fails.
+ * An image that is not there is created, all zeros. It belongs to one build: one of another schema,
+ * capacities, word size, byte order or C library is refused, as is any other file. One of the earlier format
+ * version, one on a network file system and one that cannot be written are opened for reading; writes then
+ * answer 0x5245, with the reason in qryhost_error(), and resetting or loading fails. The room on the disk is
+ * reserved, and an opener waits no longer than a second for a file lock that another process holds.
  *
  * A process that is killed at any moment leaves every value old or new, and no lock behind. A value is one
  * element of one record: a statement, a reset or a load that changes several may have changed some of them.
- * A process must not close the descriptors of an image that it goes on using.
+ * One that is stopped keeps nobody who reads waiting, and those who write as long as qryhost_set_patience()
+ * says. A process must not close the descriptors of an image that it goes on using.
+ *
+ * A child of fork has its parent's store: a copy of private memory as it is between two writes, or the same
+ * image. Lists and the library's mutexes that other threads hold are not open there. A trace sink must not
+ * fork.
  *
  * @param image_path  the image; null for private memory
  * @return 0, or non-zero
@@ -32,8 +39,8 @@ extern "C" {
 int qryhost_open(const char *image_path);
 
 /**
- * Closes the store; the next platform call opens the default one afresh. Must not run beside other platform
- * calls.
+ * Closes the store; the next platform call opens the default one afresh. Refused while another thread is
+ * inside a call or holds a list.
  *
  * @return 0, or non-zero
  */
@@ -94,15 +101,16 @@ typedef void (*qryhost_check_sink)(void *context, int is_damage, const char *tex
 int qryhost_check(const char *image_path, qryhost_check_sink sink, void *context);
 
 /**
- * Tells why the calling thread's last control call failed.
+ * Tells why the calling thread's last control call failed, or a later call of the element tables that
+ * answered 0x5242 (there is no store), 0x5245 (it can only be read) or 0x5246 (others hold the records).
  *
- * @return one sentence, valid until the thread's next control call; "" when the call did not fail. Never null
+ * @return one sentence, valid until the thread's next such call; "" when none failed. Never null
  */
 const char *qryhost_error(void);
 
 /**
- * Called for every trace line, one at a time, from the thread that traces. Must not trace and must not set a
- * sink.
+ * Called for every trace line, one at a time, from the thread that traces. Must not trace, set a sink or
+ * fork.
  *
  * @param context      as given to qryhost_set_trace_sink()
  * @param destination  as the library gave it: 0

@@ -12,7 +12,7 @@
 
 namespace {
 
-qryhost::guard_mutex sink_lock;
+qryhost::guard_mutex sink_lock(qryhost::lock_rank::trace_sink);
 bool sink_is_chosen QRYLIB_GUARDED_BY(sink_lock) = false;
 qryhost_trace_sink current_sink QRYLIB_GUARDED_BY(sink_lock) = nullptr;
 void *sink_context QRYLIB_GUARDED_BY(sink_lock) = nullptr;

@@ -43,6 +43,9 @@ class child_process {
     }
     bool succeeded() { return exit_status() == 0; }
 
+    // Somebody else has waited for its end.
+    void release() { id_ = -1; }
+
     // Ends the child wherever it is. False: it had ended before.
     bool kill() {
         int status = 0;
