@@ -14,12 +14,10 @@ using fuzz::check;
 using fuzz::input;
 
 const QRY_LIB_TABLE_DEF &definition(const fuzz::table_name &wanted) {
-    for (const norvane::database_schema *database : norvane::databases) {
-        for (std::uint16_t t = 0; t < database->table_num; ++t) {
-            if (wanted.database == std::string(database->name) &&
-                wanted.table == database->tables[t].table_name) {
-                return database->tables[t];
-            }
+    const norvane::database_schema *database = norvane::find_database(wanted.database.c_str());
+    if (database != nullptr) {
+        if (const QRY_LIB_TABLE_DEF *table = norvane::find_table(*database, wanted.table.c_str())) {
+            return *table;
         }
     }
     check(false, "no such table");

@@ -42,8 +42,8 @@ void write_value(norvane::qry_lib_table_element &catalog, const QRY_LIB_ELEMENT_
 
 void fill_table(norvane::qry_lib_table_element &catalog, const QRY_LIB_TABLE_DEF &table) {
     for (std::uint32_t record = 0; record < QRYLIB_ROOMY_RECORDS / 2; ++record) {
-        for (std::int16_t c = 0; c < table.element_num; ++c) {
-            write_value(catalog, table.elements[c].info, record);
+        for (const QRY_LIB_ELEMENT_DEF &column : norvane::columns_of(table)) {
+            write_value(catalog, column.info, record);
         }
     }
 }
@@ -53,8 +53,8 @@ std::vector<std::uint8_t> filled_store() {
     for (const norvane::database_schema *database : norvane::databases) {
         norvane::qry_lib_table_element *catalog = nullptr;
         norvane::qry_lib_table_element_factory::create_elemet(database->name, &catalog);
-        for (std::uint16_t t = 0; t < database->table_num; ++t) {
-            fill_table(*catalog, database->tables[t]);
+        for (const QRY_LIB_TABLE_DEF &table : norvane::tables_of(*database)) {
+            fill_table(*catalog, table);
         }
     }
     return qryhost::current_store()->snapshot();
@@ -85,11 +85,10 @@ const std::vector<table_name> &tables() {
     static const std::vector<table_name> names = [] {
         std::vector<table_name> found;
         for (const norvane::database_schema *database : norvane::databases) {
-            for (std::uint16_t t = 0; t < database->table_num; ++t) {
-                const QRY_LIB_TABLE_DEF &table = database->tables[t];
+            for (const QRY_LIB_TABLE_DEF &table : norvane::tables_of(*database)) {
                 found.push_back({database->name, table.table_name, {}});
-                for (std::int16_t c = 0; c < table.element_num; ++c) {
-                    found.back().columns.emplace_back(table.elements[c].info.name);
+                for (const QRY_LIB_ELEMENT_DEF &column : norvane::columns_of(table)) {
+                    found.back().columns.emplace_back(column.info.name);
                 }
             }
         }

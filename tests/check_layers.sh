@@ -15,7 +15,7 @@ src/link                    link/ exec/ parser/ util/ api/qry_lib_db_rowset_lib\
 src/api                     api/ link/ exec/ parser/ util/ qrylib/ platform/[a-z_]*\.h
 platform                    platform/[a-z_]*\.h
 platform/host               platform/ exec/schema/ util/
-tools/platform_check        tools/platform_check/ platform/[a-z_]*\.h exec/schema/
+tools/platform_check        tools/platform_check/ platform/[a-z_]*\.h exec/schema/ util/settings\.h
 tools/text                  tools/text/ [a-z_]*\.inc qrytext/ qrylib/ api/ link/ exec/ parser/ util/ platform/host/qryhost\.h
 tools/qrysh                 tools/qrysh/ tools/text/ qrytext/ qrylib/ platform/host/qryhost\.h
 tools/qrysh/commands        tools/qrysh/ tools/text/ qrytext/ qrylib/ platform/host/qryhost\.h

@@ -59,20 +59,18 @@ const json &required_object(const json &value, const std::string &where) {
     return value;
 }
 
+// A name from a file may hold a zero byte, where the schema's end: found is only what is equal as a whole.
 const norvane::database_schema &find_database(const std::string &name) {
-    for (const norvane::database_schema *database : norvane::databases) {
-        if (name == database->name) {
-            return *database;
-        }
+    const norvane::database_schema *found = norvane::find_database(name.c_str());
+    if (found == nullptr || name != found->name) {
+        refuse("databases", "there is no database " + name);
     }
-    refuse("databases", "there is no database " + name);
+    return *found;
 }
 
 const QRY_LIB_TABLE_DEF &find_table(const norvane::database_schema &database, const std::string &name) {
-    const QRY_LIB_TABLE_DEF *end = database.tables + database.table_num;
-    const QRY_LIB_TABLE_DEF *found = std::find_if(
-        database.tables, end, [&name](const QRY_LIB_TABLE_DEF &table) { return name == table.table_name; });
-    if (found == end) {
+    const QRY_LIB_TABLE_DEF *found = norvane::find_table(database, name.c_str());
+    if (found == nullptr || name != found->table_name) {
         refuse(database.name, "there is no table " + name);
     }
     return *found;
@@ -80,12 +78,11 @@ const QRY_LIB_TABLE_DEF &find_table(const norvane::database_schema &database, co
 
 const QRY_LIB_ELEMENT_INFO &find_column(const QRY_LIB_TABLE_DEF &table, const std::string &name,
                                         const std::string &where) {
-    for (const QRY_LIB_ELEMENT_DEF &row : column_range(table)) {
-        if (name == row.info.name) {
-            return row.info;
-        }
+    const QRY_LIB_ELEMENT_DEF *found = norvane::find_column(columns_of(table), name.c_str());
+    if (found == nullptr || name != found->info.name) {
+        refuse(where, "there is no column " + name);
     }
-    refuse(where, "there is no column " + name);
+    return found->info;
 }
 
 // One record's object while it is applied: every value with its column.
@@ -179,7 +176,7 @@ void fixture_loader::load_table(const std::string &where, const QRY_LIB_TABLE_DE
 }
 
 void fixture_loader::copy_default(const QRY_LIB_TABLE_DEF &table) {
-    for (const QRY_LIB_ELEMENT_DEF &row : column_range(table)) {
+    for (const QRY_LIB_ELEMENT_DEF &row : columns_of(table)) {
         const element_place &place = place_of(row.info);
         for (std::uint32_t record = 1; record <= place.record_num; ++record) {
             std::memcpy(value(place, record), value(place, 0), place.size);
@@ -242,7 +239,7 @@ void fixture_loader::load_record(const std::string &where, const QRY_LIB_TABLE_D
 void fixture_loader::load_raw(const std::string &where, const QRY_LIB_TABLE_DEF &table,
                               const std::string &key, const json &content, std::uint32_t record,
                               std::set<std::uint32_t> &raw) {
-    for (const QRY_LIB_ELEMENT_DEF &row : column_range(table)) {
+    for (const QRY_LIB_ELEMENT_DEF &row : columns_of(table)) {
         if (row.info.is_member != 0 && key == raw_key(row.info.element_id)) {
             const element_place &place = place_of(row.info);
             std::vector<std::uint8_t> bytes = from_hex(content, place.size, where);

@@ -21,9 +21,9 @@ struct element_state {
 using column_list = std::vector<const QRY_LIB_ELEMENT_INFO *>;
 
 // In the order in which loading writes them.
-column_list columns_of(const element_state &element) {
+column_list parts_of(const element_state &element) {
     column_list columns;
-    for (const QRY_LIB_ELEMENT_DEF &row : column_range(element.table)) {
+    for (const QRY_LIB_ELEMENT_DEF &row : columns_of(element.table)) {
         if (row.info.element_id == element.place.element) {
             columns.push_back(&row.info);
         }
@@ -39,7 +39,7 @@ column_list columns_of(const element_state &element) {
 void save_element(const element_state &element, json &record) {
     json values = json::object();
     std::vector<std::uint8_t> loaded = element.base;
-    for (const QRY_LIB_ELEMENT_INFO *column : columns_of(element)) {
+    for (const QRY_LIB_ELEMENT_INFO *column : parts_of(element)) {
         values[column->name] = value_to_json(*column, element.bytes);
         value_from_json(*column, values[column->name], loaded.data(), column->name);
     }
@@ -84,10 +84,10 @@ json fixture_saver::settings() const {
 json fixture_saver::databases() const {
     json databases = json::object();
     for (const norvane::database_schema *database : norvane::databases) {
-        for (std::uint16_t t = 0; t < database->table_num; ++t) {
-            json content = table(database->tables[t]);
+        for (const QRY_LIB_TABLE_DEF &each : tables_of(*database)) {
+            json content = table(each);
             if (!content.empty()) {
-                databases[database->name][database->tables[t].table_name] = std::move(content);
+                databases[database->name][each.table_name] = std::move(content);
             }
         }
     }
@@ -114,7 +114,7 @@ json fixture_saver::table(const QRY_LIB_TABLE_DEF &table) const {
 json fixture_saver::record(const QRY_LIB_TABLE_DEF &table, std::uint32_t record) const {
     json values = json::object();
     std::vector<std::uint32_t> done;
-    for (const QRY_LIB_ELEMENT_DEF &row : column_range(table)) {
+    for (const QRY_LIB_ELEMENT_DEF &row : columns_of(table)) {
         const element_place &place = place_of(row.info);
         if (std::find(done.begin(), done.end(), place.element) != done.end()) {
             continue;

@@ -217,7 +217,7 @@ void exchange_byte_order(const QRY_LIB_TABLE_DEF &table, std::uint32_t element,
     if (is_big_endian()) {
         return;
     }
-    for (const QRY_LIB_ELEMENT_DEF &row : column_range(table)) {
+    for (const QRY_LIB_ELEMENT_DEF &row : columns_of(table)) {
         if (row.info.element_id == element && !norvane::is_string_element(row.info.elem_type)) {
             const auto first = bytes.begin() + row.info.member_offset;
             std::reverse(first, first + row.info.size);

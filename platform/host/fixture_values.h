@@ -25,15 +25,8 @@ constexpr setting_name setting_names[] = {{"doublecount_1", settings_elements[0]
 static_assert(sizeof setting_names / sizeof *setting_names ==
               sizeof settings_elements / sizeof *settings_elements);
 
-// The columns of a table.
-struct column_range {
-    const QRY_LIB_ELEMENT_DEF *first;
-    std::int16_t num;
-
-    explicit column_range(const QRY_LIB_TABLE_DEF &table) : first(table.elements), num(table.element_num) {}
-    const QRY_LIB_ELEMENT_DEF *begin() const { return first; }
-    const QRY_LIB_ELEMENT_DEF *end() const { return first + num; }
-};
+using norvane::columns_of;
+using norvane::tables_of;
 
 // The place of a column's element, which always exists.
 const element_place &place_of(const QRY_LIB_ELEMENT_INFO &column);

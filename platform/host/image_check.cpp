@@ -187,8 +187,7 @@ void check_image_file(const char *path, findings &found) {
     check_guards(memory, found);
     const std::vector<std::uint8_t> region = element_store(std::move(memory)).snapshot();
     for (const norvane::database_schema *database : norvane::databases) {
-        for (std::uint16_t t = 0; t < database->table_num; ++t) {
-            const QRY_LIB_TABLE_DEF &table = database->tables[t];
+        for (const QRY_LIB_TABLE_DEF &table : norvane::tables_of(*database)) {
             const std::string name = std::string(database->name) + "." + table.table_name;
             table_check(region, table, name, found).run();
         }

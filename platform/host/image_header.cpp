@@ -57,11 +57,11 @@ void add_column(content_hash &hash, const QRY_LIB_ELEMENT_DEF &column) {
 void add_schema(content_hash &hash) {
     for (const norvane::database_schema *database : norvane::databases) {
         hash.add(database->name);
-        for (std::uint16_t t = 0; t < database->table_num; ++t) {
-            const QRY_LIB_TABLE_DEF &table = database->tables[t];
+        for (const QRY_LIB_TABLE_DEF &table : norvane::tables_of(*database)) {
             hash.add(table.table_name);
-            std::for_each(table.elements, table.elements + table.element_num,
-                          [&hash](const QRY_LIB_ELEMENT_DEF &column) { add_column(hash, column); });
+            for (const QRY_LIB_ELEMENT_DEF &column : norvane::columns_of(table)) {
+                add_column(hash, column);
+            }
         }
     }
 }

@@ -12,15 +12,6 @@ namespace {
 
 constexpr std::uint16_t setting_size = 4;
 
-std::uint16_t capacity_of(std::uint32_t category) {
-    for (const QRY_LIB_TB_MAX_ROW &row : QRY_LIB_TB_MAX_TABLE) {
-        if (row.category == category) {
-            return row.max_number;
-        }
-    }
-    return 0;
-}
-
 bool in_order(const element_place &a, const element_place &b) {
     return std::tie(a.category, a.element) < std::tie(b.category, b.element);
 }
@@ -47,13 +38,12 @@ store_layout::store_layout() {
 
 void store_layout::collect_tables() {
     for (const norvane::database_schema *database : norvane::databases) {
-        for (std::uint16_t t = 0; t < database->table_num; ++t) {
-            const QRY_LIB_TABLE_DEF &table = database->tables[t];
-            for (std::int16_t c = 0; c < table.element_num; ++c) {
-                const QRY_LIB_ELEMENT_INFO &info = table.elements[c].info;
+        for (const QRY_LIB_TABLE_DEF &table : norvane::tables_of(*database)) {
+            for (const QRY_LIB_ELEMENT_DEF &column : norvane::columns_of(table)) {
+                const QRY_LIB_ELEMENT_INFO &info = column.info;
                 const auto end = static_cast<std::uint16_t>(info.member_offset + info.size);
-                elements_.push_back(
-                    {info.category_id, info.element_id, 0, end, capacity_of(info.category_id), 0, false});
+                elements_.push_back({info.category_id, info.element_id, 0, end,
+                                     norvane::capacity_of(info.category_id), 0, false});
             }
         }
     }

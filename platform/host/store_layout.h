@@ -6,11 +6,12 @@
 #include <cstdint>
 #include <vector>
 
+#include "util/settings.h"
+
 namespace qryhost {
 
-// The category of the device's settings. It is no table: its elements have one value each, and no records.
-constexpr std::uint32_t settings_category = 0x04050300;
-constexpr std::uint32_t settings_elements[] = {0x85004860, 0x85004888, 0x85004838};
+using norvane::settings_category;
+using norvane::settings_elements;
 
 // One element of a category. The value of record r lies `offset` + r * `size` bytes into the region.
 struct element_place {

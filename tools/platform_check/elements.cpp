@@ -13,15 +13,6 @@ namespace {
 
 constexpr std::uint8_t guard = 0xA5;
 
-std::uint16_t record_num_of(std::uint32_t category) {
-    for (const QRY_LIB_TB_MAX_ROW &row : QRY_LIB_TB_MAX_TABLE) {
-        if (row.category == category) {
-            return row.max_number;
-        }
-    }
-    return 0;
-}
-
 // The members of a composite element share its id: it reaches to its farthest member's end.
 void add_element(std::vector<element> &elements, const QRY_LIB_ELEMENT_INFO &info) {
     const auto end = static_cast<std::uint16_t>(info.member_offset + info.size);
@@ -35,11 +26,13 @@ void add_element(std::vector<element> &elements, const QRY_LIB_ELEMENT_INFO &inf
 }
 
 table describe(const norvane::database_schema &database, const QRY_LIB_TABLE_DEF &definition) {
-    const std::uint32_t category = definition.elements[0].info.category_id;
-    table result{
-        std::string(database.name) + " " + definition.table_name, category, record_num_of(category), {}};
-    for (std::int16_t i = 0; i < definition.element_num; ++i) {
-        add_element(result.elements, definition.elements[i].info);
+    const std::uint32_t category = norvane::category_of(definition);
+    table result{std::string(database.name) + " " + definition.table_name,
+                 category,
+                 norvane::capacity_of(category),
+                 {}};
+    for (const QRY_LIB_ELEMENT_DEF &column : norvane::columns_of(definition)) {
+        add_element(result.elements, column.info);
     }
     return result;
 }
@@ -47,8 +40,8 @@ table describe(const norvane::database_schema &database, const QRY_LIB_TABLE_DEF
 std::vector<table> find_tables() {
     std::vector<table> found;
     for (const norvane::database_schema *database : norvane::databases) {
-        for (std::uint16_t t = 0; t < database->table_num; ++t) {
-            table one = describe(*database, database->tables[t]);
+        for (const QRY_LIB_TABLE_DEF &definition : norvane::tables_of(*database)) {
+            table one = describe(*database, definition);
             if (one.record_num != 0) {
                 found.push_back(std::move(one));
             }

@@ -5,6 +5,7 @@
 #include "platform/element_table.h"
 #include "tools/platform_check/checks.h"
 #include "tools/platform_check/elements.h"
+#include "util/settings.h"
 
 namespace platform_check {
 
@@ -72,14 +73,11 @@ void check_reset(report &out, const table &of) {
     }
 }
 
-// The settings that the double-count mode reads.
-constexpr std::uint32_t settings_category = 0x04050300;
-constexpr std::uint32_t settings[] = {0x85004860, 0x85004888, 0x85004838};
 constexpr std::uint16_t setting_size = 4;
 
 bool read_setting(report &out, std::uint32_t id, std::uint32_t &value) {
     guarded_buffer buffer(setting_size);
-    const std::uint32_t code = tbctSTCGetStatus(settings_category, id, buffer.data());
+    const std::uint32_t code = tbctSTCGetStatus(norvane::settings_category, id, buffer.data());
     if (!out.succeeds(code, "tbctSTCGetStatus", "reading the setting " + hex(id))) {
         return false;
     }
@@ -89,8 +87,8 @@ bool read_setting(report &out, std::uint32_t id, std::uint32_t &value) {
 }
 
 bool write_setting(report &out, std::uint32_t id, std::uint32_t value) {
-    return out.succeeds(tbctSTCSetStatus(requester, settings_category, id, &value), "tbctSTCSetStatus",
-                        "writing the setting " + hex(id));
+    return out.succeeds(tbctSTCSetStatus(requester, norvane::settings_category, id, &value),
+                        "tbctSTCSetStatus", "writing the setting " + hex(id));
 }
 
 void check_setting(report &out, std::uint32_t id) {
@@ -123,7 +121,7 @@ void check_element_tables(report &out) {
 
 void check_settings(report &out) {
     out.begin("settings");
-    for (const std::uint32_t id : settings) {
+    for (const std::uint32_t id : norvane::settings_elements) {
         check_setting(out, id);
     }
 }

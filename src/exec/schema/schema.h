@@ -62,6 +62,12 @@ const QRY_LIB_TABLE_DEF *find_table(std::uint32_t category);
 const QRY_LIB_ELEMENT_DEF *find_column(row_range<QRY_LIB_ELEMENT_DEF> columns, const char *name);
 const QRY_LIB_TB_MAX_ROW *find_capacity(std::uint32_t category);
 
+// The records of a category; 0 also for one that is not known.
+inline std::uint16_t capacity_of(std::uint32_t category) {
+    const QRY_LIB_TB_MAX_ROW *row = find_capacity(category);
+    return row == nullptr ? std::uint16_t{0} : row->max_number;
+}
+
 // No member of a composite element starts beyond this offset.
 constexpr std::size_t member_offset_max = 256;
 

@@ -43,12 +43,7 @@ inline value_buffer empty_buffer(std::uint8_t fill = 0) {
 }
 
 inline std::uint16_t capacity(std::uint32_t category) {
-    for (const QRY_LIB_TB_MAX_ROW &row : QRY_LIB_TB_MAX_TABLE) {
-        if (row.category == category) {
-            return row.max_number;
-        }
-    }
-    return 0;
+    return norvane::capacity_of(category);
 }
 
 using element_key = std::pair<std::uint32_t, std::uint32_t>;
