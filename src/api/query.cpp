@@ -30,15 +30,16 @@ std::uint32_t run(const qry_lib_analyze_info &info, qry_lib_db_rowset_ &rowset) 
     return static_cast<std::uint32_t>(qry_lib_db_executer().exec(info, rowset));
 }
 
-// Runs each table's query into a rowset of its own, which the link model takes over.
-std::uint32_t run_parts(const qry_lib_analyze_info &info, qry_lib_analyze_link_info &link_info) {
-    for (std::uint16_t i = 0; i < info.get_table_num(); ++i) {
-        qry_lib_analyze_info per_table;
+// Runs each table's query into a rowset of its own, which the link model takes over. `info` holds one query
+// at a time: the statement's own is of no more use once it was split.
+std::uint32_t run_parts(qry_lib_analyze_info &info, qry_lib_analyze_link_info &link_info) {
+    for (std::uint16_t i = 0; i < link_info.get_analyze_info_num(); ++i) {
         qry_lib_db_rowset_ part = empty_rowset;
         rowset_guard guard(part);
-        std::uint32_t code = link_info.get_analyze_info(i, per_table);
+        info.all_clear();
+        std::uint32_t code = link_info.get_analyze_info(i, info);
         if (code == 0) {
-            code = run(per_table, part);
+            code = run(info, part);
         }
         if (code != 0) {
             return code;

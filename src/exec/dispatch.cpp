@@ -62,6 +62,7 @@ int qry_lib_db_executer::exec_internal(const qry_lib_analyze_info &info, qry_lib
         close_catalog();
         return trace_code(__func__, 240, code);
     }
+    keys.clear(); // 3 KB each, while the rows take theirs
     const int code = dispatch(info, category, std::move(records), rowset);
     if (rowset != nullptr) {
         qry_lib_db_rowset_lib().first_record_index(*rowset);

@@ -43,9 +43,8 @@ bool is_well_formed(const qry_lib_tb_list_filter_key_ &key) {
 }
 
 // Bytes of the number that the key compares whole; 0: it compares anything else.
-std::uint32_t whole_number_width(const qry_lib_tb_list_filter_key_ &key) {
-    const std::uint32_t width = number_width(key.elem_type);
-    return key.cmp_size == width ? width : 0;
+std::uint8_t whole_number_width(const qry_lib_tb_list_filter_key_ &key) {
+    return key.cmp_size == number_width(key.elem_type) ? key.cmp_size : std::uint8_t{0};
 }
 
 // Compares as the bytes compare where the most significant byte comes first: as unsigned numbers, of which a
@@ -123,8 +122,8 @@ std::uint32_t find_value_end(std::uint32_t category, const qry_lib_tb_list_filte
 class search_key {
   public:
     search_key(std::uint32_t category, const qry_lib_tb_list_filter_key_ &key)
-        : key_(&key), is_or_(key.join == QRY_LIB_JOIN_TYPE_OR), offset_(key.member_offset),
-          width_(whole_number_width(key)),
+        : key_(&key), is_or_(key.join == QRY_LIB_JOIN_TYPE_OR), width_(whole_number_width(key)),
+          offset_(key.member_offset),
           range_(key.operation, width_ != 0 ? load_number(key.value, width_) : std::uint32_t{same}),
           cleared_(key.cmp_size) {
         if (is_string_element(key.elem_type)) {
@@ -170,8 +169,8 @@ class search_key {
     const qry_lib_tb_list_filter_key_ *key_;
     tbctListTable list_{};
     bool is_or_;
+    std::uint8_t width_;   // bytes of a number that is compared whole; 0: anything else
     std::uint32_t offset_; // of the value in the element
-    std::uint32_t width_;  // bytes of a number that is compared whole; 0: anything else
     value_range range_;
     std::uint32_t cleared_; // bytes of the row's value that are cleared before it is read
     std::uint32_t value_end_ = 0;

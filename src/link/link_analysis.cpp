@@ -90,9 +90,7 @@ std::uint32_t qry_lib_sql_parser::analyze_sql_select_link(qry_lib_analyze_info &
     }
     // The result of a linked query is not sorted; its ORDER BY ends here.
     link_info.set_order("", "", QRY_LIB_ODER_TYPE_NOTHING);
-    for (qry_lib_analyze_info &query : per_table) {
-        link_info.add_analyze_info(std::move(query));
-    }
+    link_info.add_analyze_infos(std::move(per_table));
     return 0;
 }
 
@@ -133,6 +131,22 @@ std::uint32_t qry_lib_sql_parser::set_link_select_cols(qry_lib_analyze_info &inf
 }
 
 namespace {
+
+// How many dots an unquoted value has: a join's has one.
+unsigned int dots_in(const QRY_LIB_CONDITION &filter) {
+    unsigned int num = 0;
+    qry_lib_sql_parser().get_keyword_num(filter.value.str_value, ".", num);
+    return num;
+}
+
+std::size_t number_of_joins(const qry_lib_analyze_info &info) {
+    std::size_t num = 0;
+    for (std::uint16_t i = 0; i < info.get_filter_cols_num(); ++i) {
+        const QRY_LIB_CONDITION &filter = *info.filter_at(i);
+        num += filter.value_is_quoted == 0 && dots_in(filter) == 1 ? 1 : 0;
+    }
+    return num;
+}
 
 // Takes the conditions of a linked query over, one by one: a join becomes a link, any other comparison goes
 // to the query of its table. What has been added is counted along the way, for a table listed several times
@@ -180,8 +194,7 @@ std::uint32_t condition_splitter::take_over(std::uint16_t index, bool &is_join) 
     if (filter->value_is_quoted != 0) {
         return add_comparison(compared, *filter);
     }
-    unsigned int dot_num = 0;
-    parser_.get_keyword_num(filter->value.str_value, ".", dot_num);
+    const unsigned int dot_num = dots_in(*filter);
     if (dot_num > 1) {
         return refuse(name, 1816);
     }
@@ -311,6 +324,7 @@ std::uint32_t qry_lib_sql_parser::set_link_filter_cols(qry_lib_analyze_info &inf
     if (info.get_filter_cols_num() == 0) {
         return QRY_LIB_NOT_ACCEPTED;
     }
+    link_info.expect_links(std::size_t{link_info.get_link_num()} + number_of_joins(info));
     condition_splitter splitter(*this, info, per_table, link_info);
     int join_num = 0;
     for (std::uint16_t i = 0; i < info.get_filter_cols_num(); ++i) {

@@ -9,6 +9,16 @@ void qry_lib_analyze_link_info::add_analyze_info(qry_lib_analyze_info info) {
     analyze_infos_.push_back(std::move(info));
 }
 
+void qry_lib_analyze_link_info::add_analyze_infos(std::vector<qry_lib_analyze_info> infos) {
+    if (analyze_infos_.empty()) {
+        analyze_infos_ = std::move(infos);
+        return;
+    }
+    for (qry_lib_analyze_info &info : infos) {
+        add_analyze_info(std::move(info));
+    }
+}
+
 std::uint32_t qry_lib_analyze_link_info::get_analyze_info(std::uint16_t index,
                                                           qry_lib_analyze_info &out) const {
     if (index >= get_analyze_info_num()) {
@@ -19,7 +29,7 @@ std::uint32_t qry_lib_analyze_link_info::get_analyze_info(std::uint16_t index,
 }
 
 void qry_lib_analyze_link_info::add_link(const QRY_LIB_LINK &link) {
-    links_.push_back(link);
+    links_.emplace_back(link);
 }
 
 std::uint32_t qry_lib_analyze_link_info::get_link(std::uint16_t index, QRY_LIB_LINK &out) const {
@@ -71,7 +81,7 @@ std::uint32_t qry_lib_analyze_link_info::get_rowset(std::uint16_t index, qry_lib
 
 void qry_lib_analyze_link_info::all_clear() {
     cols_.clear();
-    links_.clear();
+    links_ = {};
     analyze_infos_.clear();
     order_col_.clear();
     order_table_.clear();

@@ -9,6 +9,7 @@
 #include <qrylib/types.h>
 
 #include "parser/qry_lib_analyze_info.h"
+#include "util/chunked_list.h"
 
 namespace norvane {
 
@@ -40,10 +41,14 @@ class qry_lib_analyze_link_info {
     ~qry_lib_analyze_link_info() { all_clear(); }
 
     void add_analyze_info(qry_lib_analyze_info info);
+    void add_analyze_infos(std::vector<qry_lib_analyze_info> infos);
     std::uint16_t get_analyze_info_num() const { return static_cast<std::uint16_t>(analyze_infos_.size()); }
     std::uint32_t get_analyze_info(std::uint16_t index, qry_lib_analyze_info &out) const;
 
     void add_link(const QRY_LIB_LINK &link);
+
+    // How many links there will be in all, as far as is known.
+    void expect_links(std::size_t num) { links_.expect(num); }
     std::uint16_t get_link_num() const { return static_cast<std::uint16_t>(links_.size()); }
     std::uint32_t get_link(std::uint16_t index, QRY_LIB_LINK &out) const;
 
@@ -70,7 +75,7 @@ class qry_lib_analyze_link_info {
     };
 
     std::vector<selected_column> cols_;
-    std::vector<QRY_LIB_LINK> links_;
+    chunked_list<QRY_LIB_LINK, 64> links_; // 6 KB each
     std::vector<qry_lib_analyze_info> analyze_infos_;
     std::string order_col_;
     QRY_LIB_ODER_TYPE order_type_ = QRY_LIB_ODER_TYPE_NOTHING;

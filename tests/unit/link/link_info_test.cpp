@@ -70,6 +70,25 @@ TEST_F(link_info, a_fresh_object_is_empty) {
     expect_empty();
 }
 
+TEST_F(link_info, queries_are_taken_over_in_their_order) {
+    const auto list_of = [](std::initializer_list<const char *> tables) {
+        std::vector<qry_lib_analyze_info> queries(tables.size());
+        std::size_t i = 0;
+        for (const char *table : tables) {
+            queries[i++].add_table(table);
+        }
+        return queries;
+    };
+    info.add_analyze_infos(list_of({"A", "B"}));
+    info.add_analyze_infos(list_of({"C"}));
+    ASSERT_EQ(info.get_analyze_info_num(), 3);
+    for (const std::uint16_t i : test::indexes{0, 1, 2}) {
+        qry_lib_analyze_info out;
+        EXPECT_EQ(info.get_analyze_info(i, out), 0u);
+        EXPECT_EQ(out.get_table(), std::string(1, static_cast<char>('A' + i)));
+    }
+}
+
 TEST_F(link_info, an_index_at_the_count_is_refused_without_a_trace) {
     fill();
     expect_nothing_at(1);
