@@ -34,6 +34,7 @@ tests/c-api                 qrytext/ qrylib/ platform/host/qryhost\.h
 tests/concurrency           concurrency/ unit/ qrylib/ platform/
 tests/device                qrylib/ platform/[a-z_]*\.h
 tests/fault                 fault/ unit/ qrylib/ platform/
+tests/limits                limits/ link/ parser/ qrylib/ platform/[a-z_]*\.h
 tests/oracle                oracle/ qrylib/ exec/schema/ platform/
 tests/other_schema          unit/ exec/schema/
 tests/platform_calls        platform_calls/ unit/ exec/ link/ qrylib/ platform/[a-z_]*\.h
@@ -42,7 +43,7 @@ tests/unit                  unit/ tools/ qrytext/ qrylib/ api/ link/ exec/ parse
 END
 }
 
-own='["<](api|bench|concurrency|exec|fault|fuzz|link|oracle|parser|platform|platform_check|qrylib|qrytext|tests|tools|unit|util)/|"'
+own='["<](api|bench|concurrency|exec|fault|fuzz|limits|link|oracle|parser|platform|platform_check|qrylib|qrytext|tests|tools|unit|util)/|"'
 machine='__BYTE_ORDER|__ORDER_|ENDIAN|_LP64|__SIZEOF|__x86|__i386|__powerpc|__arm|__aarch|__linux|__unix|_WIN'
 sources() { grep -rnE --include='*.h' --include='*.hpp' --include='*.c' --include='*.cpp' --exclude-dir=build "$@"; }
 wrong=$(
