@@ -156,6 +156,17 @@ TEST_F(statement, equal_conditions_are_formatted_and_replaced) {
     EXPECT_TRUE(take_codes().empty());
 }
 
+// What counts is the length of the text, whatever its block would hold.
+TEST_F(statement, an_equal_condition_longer_than_the_earlier_text_takes_a_block) {
+    qry_lib_db_stmt_set_where_equal_str(&stmt, "PSN_NAME", "Sato Kenji");
+    qry_lib_db_stmt_set_where_equal_int(&stmt, "PSN_ID", 5);
+    EXPECT_STREQ(stmt.where_phrase, "PSN_ID = 5");
+    qryhost_fail(QRYHOST_ALLOC, 0, 1, 7);
+    qry_lib_db_stmt_set_where_equal_int(&stmt, "PSN_ID", 12);
+    EXPECT_STREQ(stmt.where_phrase, "PSN_ID = 5");
+    EXPECT_EQ(take_codes(), (codes{{"qry_lib_db_wrapper_stmt_set_where_equal_int", QRY_LIB_NO_MEMORY}}));
+}
+
 TEST_F(statement, equal_string_refuses_null_and_empty) {
     qry_lib_db_stmt_set_where_equal_int(&stmt, "A", 1);
     qry_lib_db_stmt_set_where_equal_str(&stmt, "A", nullptr);

@@ -127,6 +127,14 @@ TEST_F(unused_id, a_table_at_its_capacity_gives_no_id) {
     EXPECT_EQ(id, 2u);
 }
 
+TEST_F(unused_id, a_range_that_ends_before_it_begins_has_its_first_id) {
+    store({1, 2, 3, 4, 5, 6});
+    param.min_id = 5;
+    param.max_id = 2;
+    EXPECT_EQ(ask(), 0u);
+    EXPECT_EQ(id, 5u);
+}
+
 TEST_F(unused_id, without_a_row_the_limits_are_not_looked_at) {
     param.max_count = 0;
     EXPECT_EQ(ask(), 0u);

@@ -162,6 +162,14 @@ TEST_F(sorting, a_string_that_fills_its_element_ends_there) {
     EXPECT_EQ(sorted_by("DEPT_CODE", descending, 3), (record_list{0, 1, 2}));
 }
 
+// The sort utility knows no other end than a terminator, which takes the last byte's place.
+TEST_F(sorting, strings_that_fill_their_element_and_differ_in_its_last_byte_are_equal) {
+    put_text(departments, 0, test::department_code, "12345678b");
+    put_text(departments, 1, test::department_code, "12345678a");
+    EXPECT_EQ(sorted_by("DEPT_CODE", ascending, 2), up_to(2));
+    EXPECT_EQ(sorted_by("DEPT_CODE", descending, 2), up_to(2));
+}
+
 TEST_F(sorting, equal_strings_that_fill_their_element_are_equal) {
     for (std::uint32_t r = 0; r < 3; ++r) {
         put_text(departments, r, test::department_code, "123456789");

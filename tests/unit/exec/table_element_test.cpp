@@ -77,6 +77,18 @@ TEST_F(catalog, factory_refuses_other_names) {
     EXPECT_TRUE(lines.empty());
 }
 
+TEST_F(catalog, one_object_serves_a_database) {
+    qry_lib_table_element *first = nullptr;
+    qry_lib_table_element *second = nullptr;
+    ASSERT_EQ(qry_lib_table_element_factory::create_elemet("log_db", &first), 0);
+    ASSERT_EQ(qry_lib_table_element_factory::create_elemet("log_db", &second), 0);
+    EXPECT_EQ(first, second);
+    qry_lib_table_element_factory::delete_elemet(&first);
+    EXPECT_EQ(first, nullptr);
+    unsigned int category = 0;
+    EXPECT_EQ(second->get_tbdb_category_id("S_JOB_LOG_TBL", category), 0);
+}
+
 TEST_F(catalog, deleting_nothing_does_nothing) {
     qry_lib_table_element *none = nullptr;
     qry_lib_table_element_factory::delete_elemet(&none);

@@ -56,6 +56,29 @@ class rowset_link : public test::trace_test {
     int code = 0;
 };
 
+// 65,536 joined rows are not none: the third table is looked at, and nothing links it.
+TEST_F(rowset_link, rows_in_progress_are_counted_in_full) {
+    hand_made_rows rows(256, {number_column("A", "K", uint_type, 1)});
+    info.add_rowset(test::make_rowset(rows));
+    for (std::vector<QRY_LIB_COLUMN> &row : rows) {
+        row = {number_column("B", "K", uint_type, 1)};
+    }
+    info.add_rowset(test::make_rowset(rows));
+    add_table("C", {{1, "c"}});
+    add_link("A", "K", "B", "K");
+    add_link("A", "K", "B", "K");
+    expect_failure({"link_rowset:233 0xDB05"});
+}
+
+// Both columns are A.B.C when they are written out.
+TEST_F(rowset_link, a_key_is_found_by_its_table_and_its_column) {
+    info.add_rowset(test::make_rowset(
+        {{number_column("A.B", "C", uint_type, 1), number_column("A", "B.C", uint_type, 2)}}));
+    add_table("T", {{1, "one"}, {2, "two"}});
+    add_link("A", "B.C", "T", "K");
+    EXPECT_EQ(join(), (texts{"1,2,2,two"}));
+}
+
 TEST_F(rowset_link, fewer_than_two_tables_are_refused) {
     expect_failure({"link_rowset:95 0xDB05"});
     add_table("A", {{1, "a"}});
