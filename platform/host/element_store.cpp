@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "platform/host/control.h"
+#include "platform/host/environment.h"
 #include "platform/host/guard.h"
 #include "platform/host/image_file.h"
 
@@ -96,8 +97,8 @@ std::unique_ptr<element_store> make_store(const char *image_path) {
 element_store *open_default_store() {
     const guard hold(opening_lock);
     if (owned_store == nullptr) {
-        const char *image = std::getenv("QRYLIB_IMAGE");
-        owned_store = make_store(image != nullptr && *image != '\0' ? image : nullptr);
+        const char *image = environment("QRYLIB_IMAGE");
+        owned_store = make_store(image);
         open_now.store(owned_store.get(), std::memory_order_release);
     }
     return owned_store.get();

@@ -16,6 +16,7 @@
 #include <string>
 #include <system_error>
 
+#include "platform/host/environment.h"
 #include "platform/host/faults.h"
 #include "platform/host/guard.h"
 
@@ -82,7 +83,7 @@ class temporary_folder {
 };
 
 fs::path root_folder() {
-    if (const char *named = std::getenv("QRYLIB_FILES"); named != nullptr && *named != '\0') {
+    if (const char *named = qryhost::environment("QRYLIB_FILES")) {
         return named;
     }
     static temporary_folder own;

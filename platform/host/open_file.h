@@ -20,7 +20,8 @@ namespace qryhost {
 class open_file {
   public:
     open_file() = default;
-    open_file(const std::string &path, int flags) : number_(::open(path.c_str(), flags | O_CLOEXEC, 0666)) {}
+    open_file(const std::string &path, int flags, mode_t mode = 0)
+        : number_(::open(path.c_str(), flags | O_CLOEXEC, mode)) {}
     open_file(open_file &&other) noexcept : number_(std::exchange(other.number_, -1)) {}
     open_file &operator=(open_file &&other) noexcept {
         std::swap(number_, other.number_);

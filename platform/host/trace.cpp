@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/host/environment.h"
 #include "platform/host/guard.h"
 #include "platform/host/qryhost.h"
 
@@ -27,8 +28,8 @@ void write_line(void *stream, std::uint32_t, std::uint32_t, std::uint32_t, const
 // A file that cannot be opened drops the traces: tracing must not fail. It stays open until the process ends.
 void choose_sink_of_environment() QRYLIB_REQUIRES(sink_lock) {
     sink_is_chosen = true;
-    const char *target = std::getenv("QRYLIB_TRACE");
-    if (target == nullptr || *target == '\0') {
+    const char *target = qryhost::environment("QRYLIB_TRACE");
+    if (target == nullptr) {
         return;
     }
     sink_context = std::strcmp(target, "stderr") == 0 ? stderr : std::fopen(target, "a");

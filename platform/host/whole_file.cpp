@@ -12,9 +12,38 @@ namespace qryhost {
 
 namespace {
 
-std::string temporary_name(const std::string &path) {
+// Records hold passwords: nobody else reads a new file of theirs.
+constexpr mode_t own_mode = 0600;
+
+// Process numbers repeat, in containers above all, and what a killed one left behind stays there: the next
+// name is tried.
+open_file open_temporary(const std::string &target, std::string &path) {
     static std::atomic<unsigned> counter{0};
-    return path + "." + std::to_string(::getpid()) + "." + std::to_string(++counter) + ".tmp";
+    constexpr int tries = 10000;
+    for (int i = 0; i < tries; ++i) {
+        path = target + "." + std::to_string(::getpid()) + "." + std::to_string(++counter) + ".tmp";
+        open_file file(path, O_WRONLY | O_CREAT | O_EXCL, own_mode);
+        if (file.is_open() || errno != EEXIST) {
+            return file;
+        }
+    }
+    return {};
+}
+
+// The new file is read by whom the old one was read by. Where its group cannot be kept, no other one takes
+// over what that group could do.
+void keep_mode_of(const std::string &target, int file) {
+    struct stat old {};
+    struct stat fresh {};
+    if (::stat(target.c_str(), &old) != 0 || !S_ISREG(old.st_mode)) {
+        return;
+    }
+    const bool is_kept = ::fchown(file, old.st_uid, old.st_gid) == 0;
+    const bool has_group = ::fstat(file, &fresh) == 0 && fresh.st_gid == old.st_gid;
+    const mode_t lost = is_kept || has_group ? 0 : S_IRWXG;
+    if (::fchmod(file, old.st_mode & 0777 & ~lost) != 0) {
+        fail(target, "its mode cannot be kept");
+    }
 }
 
 // The target's new content, complete and on the disk. Deleted unless it has become the target.
@@ -46,13 +75,13 @@ void write_all(int file, const std::string &content, const std::string &path) {
     }
 }
 
-temporary_file::temporary_file(const std::string &target, const std::string &content)
-    : path_(temporary_name(target)) {
-    open_file file(path_, O_WRONLY | O_CREAT | O_EXCL);
+temporary_file::temporary_file(const std::string &target, const std::string &content) {
+    open_file file = open_temporary(target, path_);
     if (!file.is_open()) {
         fail(target, "cannot be created");
     }
     try {
+        keep_mode_of(target, file.number());
         write_all(file.number(), content, target);
         if (::fsync(file.number()) != 0 || !file.close()) {
             fail(target, "cannot be written");

@@ -2,6 +2,7 @@
 // first to use the platform there; so this is a program of its own, whose parent never uses it.
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -147,6 +148,25 @@ TEST(environment, without_a_place_for_temporary_files_calls_answer_codes) {
         std::uint32_t file = 0;
         return fsa_fio_mkdir(1, 2) != 0 && fsa_fio_fopen(1, 2, "version", 1, &file) != 0;
     }));
+}
+
+TEST(environment, is_not_obeyed_by_programs_with_more_rights_than_their_user) {
+    const temporary_folder folder;
+    const std::string program = folder.file("secure_program");
+    ASSERT_TRUE(std::filesystem::copy_file(QRYLIB_SECURE_PROGRAM, program));
+    ASSERT_EQ(chmod(folder.path().c_str(), 0777), 0);
+    if (chown(program.c_str(), 65534, 65534) != 0 || chmod(program.c_str(), 04755) != 0) {
+        GTEST_SKIP() << "no program can be given to another user here";
+    }
+    const environment_variable image("QRYLIB_IMAGE", folder.file("device.img"));
+    const environment_variable trace("QRYLIB_TRACE", folder.file("trace.txt"));
+    const environment_variable files("QRYLIB_FILES", folder.file("files"));
+    const int status = std::system(program.c_str());
+    if (WIFEXITED(status) && WEXITSTATUS(status) == 77) {
+        GTEST_SKIP() << "programs get no other user's rights here";
+    }
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(folder.entries(), 1) << "the program itself";
 }
 
 } // namespace

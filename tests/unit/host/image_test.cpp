@@ -380,4 +380,13 @@ TEST_F(image, that_cannot_be_read_is_refused) {
     }));
 }
 
+TEST_F(image, that_is_new_is_its_owners_alone) {
+    const mode_t before = umask(0);
+    ASSERT_EQ(qryhost_open(path.c_str()), 0) << qryhost_error();
+    umask(before);
+    struct stat status {};
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0600u);
+}
+
 } // namespace
