@@ -16,39 +16,117 @@ namespace {
 constexpr std::size_t file_size_max = std::size_t{16} * 1024 * 1024;
 constexpr int depth_max = 8;
 
-// Watches the parser: bounds the depth, and refuses a key that one object has twice.
+// No object of a fixture has more keys than a record: its columns, its composites as a whole, its number.
+std::size_t most_keys() {
+    std::size_t most = 0;
+    for (const norvane::database_schema *database : norvane::databases) {
+        for (std::uint16_t t = 0; t < database->table_num; ++t) {
+            most = std::max(most, static_cast<std::size_t>(database->tables[t].element_num));
+        }
+    }
+    return 2 * most + 1;
+}
+
+std::size_t most_records() {
+    std::size_t most = 0;
+    for (const element_place &place : store_layout::get().elements()) {
+        most = std::max<std::size_t>(most, place.record_num);
+    }
+    return most;
+}
+
+// Watches the parser: bounds what it collects, and refuses a key that one object has twice. So no file takes
+// longer than one that is in order.
 class parse_guard {
   public:
     bool operator()(int depth, json::parse_event_t event, const json &parsed) {
         if (depth > depth_max) {
             throw refusal("the file is nested too deeply");
         }
-        if (event == json::parse_event_t::object_start) {
-            keys_.emplace_back();
-        } else if (event == json::parse_event_t::object_end) {
-            keys_.pop_back();
-        } else if (event == json::parse_event_t::key && !keys_.back().insert(parsed).second) {
-            throw refusal("one object has the key " + parsed.dump() + " twice");
+        switch (event) {
+        case json::parse_event_t::key:
+            add_key(parsed.get_ref<const std::string &>());
+            break;
+        case json::parse_event_t::object_start:
+        case json::parse_event_t::array_start:
+            add_item();
+            open_.push_back({event == json::parse_event_t::array_start, 0, {}, {}});
+            break;
+        case json::parse_event_t::object_end:
+        case json::parse_event_t::array_end:
+            open_.pop_back();
+            break;
+        default:
+            add_item();
         }
         return true;
     }
 
+    // Where the parser is: keys and numbers of items, with a colon; nothing at the start of the file.
+    std::string place() const {
+        std::string text;
+        for (const container &outer : open_) {
+            const std::string name = outer.is_array ? std::to_string(outer.num - 1) : outer.last_key;
+            if (outer.num != 0) {
+                text += (text.empty() ? "" : ", ") + name;
+            }
+        }
+        return text.empty() ? text : text + ": ";
+    }
+
   private:
-    std::vector<std::set<std::string>> keys_; // of every object that is open
+    // An object or an array that is open.
+    struct container {
+        bool is_array;
+        std::size_t num; // of its keys or items
+        std::string last_key;
+        std::set<std::string> keys;
+    };
+
+    void add_key(const std::string &key) {
+        container &object = open_.back();
+        if (++object.num > key_max_) {
+            throw refusal("one object has more than " + std::to_string(key_max_) + " keys");
+        }
+        object.last_key = key;
+        if (!object.keys.insert(key).second) {
+            throw refusal("one object has the key " + json(key).dump() + " twice");
+        }
+    }
+
+    void add_item() {
+        if (!open_.empty() && open_.back().is_array && ++open_.back().num > item_max_) {
+            throw refusal("no table has more than " + std::to_string(item_max_) + " records");
+        }
+    }
+
+    std::size_t key_max_ = most_keys();
+    std::size_t item_max_ = most_records();
+    std::vector<container> open_;
 };
+
+// The parser's sentence without its number.
+std::string without_number(const std::string &message) {
+    const std::size_t end = message.find("] ");
+    return end == std::string::npos ? message : message.substr(end + 2);
+}
 
 json parse(const std::string &path) {
     const std::string text = read_whole_file(path, file_size_max);
+    if (const std::size_t zero = text.find('\0'); zero != std::string::npos) {
+        refuse(path, "byte " + std::to_string(zero) + " is zero"); // the parser takes it for the end
+    }
+    parse_guard guard;
     try {
-        parse_guard guard;
         return json::parse(text, [&guard](int depth, json::parse_event_t event, json &parsed) {
             return guard(depth, event, parsed);
         });
     } catch (const json::parse_error &error) {
-        const std::string message = error.what();
-        refuse(path, message.substr(message.find("] ") + 2)); // without the parser's own number
+        refuse(path, without_number(error.what())); // it tells the place
+    } catch (const json::exception &error) {
+        refuse(path, guard.place() + without_number(error.what()));
     } catch (const refusal &error) {
-        refuse(path, error.what());
+        refuse(path, guard.place() + error.what());
     }
 }
 
@@ -256,7 +334,12 @@ void fixture_loader::load_raw(const std::string &where, const QRY_LIB_TABLE_DEF 
 } // namespace
 
 std::vector<std::uint8_t> load_fixture(const std::string &path) {
-    return fixture_loader().load(parse(path));
+    const json file = parse(path);
+    try {
+        return fixture_loader().load(file);
+    } catch (const refusal &error) {
+        refuse(path, error.what());
+    }
 }
 
 } // namespace qryhost

@@ -1,6 +1,8 @@
 // Fixtures: what a file puts into the store, what is refused and how it is told, and round trips.
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <chrono>
 #include <cstring>
 #include <fstream>
 #include <sstream>
@@ -467,6 +469,73 @@ TEST_F(fixture, a_save_that_fails_leaves_no_trace) {
     EXPECT_NE(qryhost_save(occupied.c_str()), 0);
     EXPECT_EQ(std::string(qryhost_error()).find(occupied + ": cannot be replaced"), 0u) << qryhost_error();
     EXPECT_EQ(folder.entries(), 1) << "the temporary file is gone";
+}
+
+TEST_F(fixture, what_is_refused_is_told_with_its_file_and_place) {
+    expect_refused(R"({"format": 1, "databases": {"adbk_db": {"PSN_TBL": {"records": [{"PSN_ID": -1}]}}}})",
+                   path + ": adbk_db.PSN_TBL record 0, PSN_ID: -1 is not a whole number from 0 to 65535");
+    expect_refused(
+        R"({"format": 1, "databases": {"adbk_db": {"PSN_TBL": {"records": [{}, {"PSN_ID": 1e400}]}}}})",
+        path + ": databases, adbk_db, PSN_TBL, records, 1, PSN_ID: number overflow parsing '1e400'");
+    expect_refused(R"({"format": 1, "databases": {"adbk_db": {"PSN_TBL": {"default": {}, "default": {}}}}})",
+                   path + ": databases, adbk_db, PSN_TBL, default: one object has the key \"default\" twice");
+    expect_refused(R"({"format": 2})", path + ": format: is not 1");
+}
+
+TEST_F(fixture, a_zero_byte_is_refused_wherever_it_stands) {
+    const std::string whole = R"({"format": 1})";
+    for (std::size_t at = 0; at <= whole.size(); ++at) {
+        std::string content = whole;
+        content.insert(at, 1, '\0');
+        expect_refused(content, path + ": byte " + std::to_string(at) + " is zero");
+    }
+}
+
+// Files as large as one may be, of nothing that a fixture has so many of: a quadratic reader would take
+// minutes.
+TEST_F(fixture, what_no_table_has_so_many_of_is_refused_soon) {
+    constexpr std::size_t file_size = 15 * 1024 * 1024;
+    const auto start = std::chrono::steady_clock::now();
+    std::string keys = R"({"format": 1, "databases": {)";
+    for (int i = 0; keys.size() < file_size; ++i) {
+        keys += "\"key" + std::to_string(i) + "\": 0,";
+    }
+    expect_refused(keys + "\"last\": 0}}", path + ": databases, key");
+    EXPECT_NE(std::strstr(qryhost_error(), "one object has more than "), nullptr) << qryhost_error();
+    std::string records = R"({"format": 1, "databases": {"adbk_db": {"PSN_TBL": {"records": [)";
+    while (records.size() < file_size) {
+        records += "{},";
+    }
+    expect_refused(records + "{}]}}}}", path + ": databases, adbk_db, PSN_TBL, records, ");
+    EXPECT_NE(std::strstr(qryhost_error(), "no table has more than "), nullptr) << qryhost_error();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+}
+
+mode_t mode_of(const std::string &path) {
+    struct stat status {};
+    EXPECT_EQ(stat(path.c_str(), &status), 0);
+    return status.st_mode & 07777;
+}
+
+TEST_F(fixture, a_new_file_is_its_owners_alone_and_an_old_one_keeps_its_mode) {
+    const mode_t before = umask(0);
+    ASSERT_EQ(qryhost_save(path.c_str()), 0) << qryhost_error();
+    EXPECT_EQ(mode_of(path), 0600u);
+    for (const mode_t mode : {0644u, 0640u, 0600u, 0400u}) {
+        ASSERT_EQ(chmod(path.c_str(), mode), 0);
+        ASSERT_EQ(qryhost_save(path.c_str()), 0) << qryhost_error();
+        EXPECT_EQ(mode_of(path), mode);
+    }
+    umask(before);
+}
+
+// A process with the same number died here before, as in containers.
+TEST_F(fixture, saving_goes_around_what_a_killed_process_left) {
+    for (int i = 0; i < 2000; ++i) {
+        std::ofstream(path + "." + std::to_string(getpid()) + "." + std::to_string(i) + ".tmp") << "left";
+    }
+    ASSERT_EQ(qryhost_save(path.c_str()), 0) << qryhost_error();
+    EXPECT_EQ(folder.entries(), 2001);
 }
 
 } // namespace
