@@ -8,7 +8,7 @@ library=$1
 objects=$2
 strip=$3
 text_limit=$((160 * 1024))
-frame_limit=$((16 * 1024))
+frame_limit=7000
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
