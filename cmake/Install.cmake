@@ -1,5 +1,5 @@
 # What `cmake --install` installs, by component: the library and the platform that it was linked to; headers,
-# documents and what find_package and pkg-config need; the shell.
+# documents and what find_package and pkg-config need; the companion, and what its callers need; the shell.
 include(CMakePackageConfigHelpers)
 
 set(QRYLIB_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/qrylib)
@@ -33,6 +33,21 @@ install(FILES cmake/qrylibConfig.cmake ${PROJECT_BINARY_DIR}/qrylibConfigVersion
 file(RELATIVE_PATH QRYLIB_PC_TO_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(cmake/qrylib.pc.in ${PROJECT_BINARY_DIR}/qrylib.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qrylib.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+if(TARGET qrytext)
+  install(TARGETS qrytext EXPORT qrytextTargets
+          LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT companion NAMELINK_COMPONENT companion_development)
+  install(EXPORT qrytextTargets NAMESPACE qrylib:: DESTINATION ${QRYLIB_PACKAGE_DIR} COMPONENT companion_development)
+  install(FILES tools/text/qrytext.h tools/text/qrytext.hpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qrytext
+          COMPONENT companion_development)
+  configure_file(cmake/qrytext.pc.in ${PROJECT_BINARY_DIR}/qrytext.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/qrytext.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+          COMPONENT companion_development)
+  install(DIRECTORY docs/schemas DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/libqrytext-dev
+          COMPONENT companion_development)
+  install(FILES examples/companion.c DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/libqrytext-dev/examples
+          COMPONENT companion_development)
+endif()
 
 if(TARGET qrysh)
   install(TARGETS qrysh DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT shell)

@@ -18,7 +18,8 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 
 # The libraries of one package are found by the programs of another through what the first one states of them.
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/src ${PROJECT_BINARY_DIR}/platform/host)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/src ${PROJECT_BINARY_DIR}/platform/host
+                                                ${PROJECT_BINARY_DIR}/tools/text)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 
@@ -42,7 +43,25 @@ set(CPACK_DEBIAN_SHELL_PACKAGE_DEPENDS "libqrylib1 (>= ${PROJECT_VERSION})")
 set(CPACK_COMPONENT_SHELL_DESCRIPTION
     "shell for a device's record stores\nTries queries, shows records and explains trace lines.")
 
+set(CPACK_DEBIAN_COMPANION_PACKAGE_NAME libqrytext1)
+set(CPACK_DEBIAN_COMPANION_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_COMPANION_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_COMPANION_PACKAGE_DEPENDS "libqrylib1 (>= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_COMPANION_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/triggers)
+set(CPACK_COMPONENT_COMPANION_DESCRIPTION
+    "statements for a device's record stores, understood and explained\nRuns and checks statements as people write them and answers in JSON.")
+
+set(CPACK_DEBIAN_COMPANION_DEVELOPMENT_PACKAGE_NAME libqrytext-dev)
+set(CPACK_DEBIAN_COMPANION_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_COMPANION_DEVELOPMENT_PACKAGE_DEPENDS
+    "libqrytext1 (= ${PROJECT_VERSION}), libqrylib-dev (= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_COMPANION_DEVELOPMENT_DESCRIPTION
+    "statements for a device's record stores, explained (development files)\nHeaders for C and C++, the schemas of the answers and an example.")
+
 set(CPACK_COMPONENTS_ALL runtime development)
+if(TARGET qrytext)
+  list(APPEND CPACK_COMPONENTS_ALL companion companion_development)
+endif()
 if(TARGET qrysh)
   list(APPEND CPACK_COMPONENTS_ALL shell)
 endif()

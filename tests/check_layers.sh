@@ -39,6 +39,7 @@ tests/oracle                oracle/ qrylib/ exec/schema/ platform/
 tests/other_schema          unit/ exec/schema/
 tests/platform_calls        platform_calls/ unit/ exec/ link/ qrylib/ platform/[a-z_]*\.h
 tests/platform_check        platform_check/ tools/platform_check/ platform/
+tests/text                  qrytext/
 tests/unit                  unit/ tools/ qrytext/ qrylib/ api/ link/ exec/ parser/ util/ platform/
 END
 }

@@ -43,6 +43,22 @@ int qryhost_save(const char *json_path) {
     });
 }
 
+int qryhost_load_text(const char *json) {
+    return qryhost::control([json] {
+        if (json == nullptr) {
+            throw qryhost::refusal("no text is given");
+        }
+        qryhost::element_store &store = qryhost::required_writable_store();
+        store.replace(qryhost::parse_fixture(json));
+    });
+}
+
+int qryhost_save_text(qryhost_text_sink sink, void *context) {
+    return qryhost::control([sink, context] {
+        sink(context, qryhost::fixture_text(qryhost::required_store().snapshot()).c_str());
+    });
+}
+
 const char *qryhost_error(void) {
     return qryhost::last_error();
 }

@@ -94,4 +94,8 @@ std::uint32_t qryhost_call_count(qryhost_call call) {
     return qryhost::total_calls(static_cast<qryhost_call>(call)) - state.cleared[call];
 }
 
+std::uint32_t qryhost_thread_call_count(qryhost_call call) {
+    return qryhost::is_call(call) ? qryhost::own_state().calls[call].load(std::memory_order_relaxed) : 0;
+}
+
 } // extern "C"

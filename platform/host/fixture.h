@@ -32,6 +32,12 @@ namespace qryhost {
 // The region that a file describes. Throws `refusal`, with the place in the file that is wrong.
 std::vector<std::uint8_t> load_fixture(const std::string &path);
 
+// The same of a file's text.
+std::vector<std::uint8_t> parse_fixture(const std::string &text);
+
+// The text of a region's file.
+std::string fixture_text(const std::vector<std::uint8_t> &region);
+
 // Writes a region to a file: the file is replaced as a whole or not at all.
 void save_fixture(const std::string &path, const std::vector<std::uint8_t> &region);
 

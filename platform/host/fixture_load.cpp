@@ -111,8 +111,7 @@ std::string without_number(const std::string &message) {
     return end == std::string::npos ? message : message.substr(end + 2);
 }
 
-json parse(const std::string &path) {
-    const std::string text = read_whole_file(path, file_size_max);
+json parse(const std::string &text, const std::string &path) {
     if (const std::size_t zero = text.find('\0'); zero != std::string::npos) {
         refuse(path, "byte " + std::to_string(zero) + " is zero"); // the parser takes it for the end
     }
@@ -331,15 +330,23 @@ void fixture_loader::load_raw(const std::string &where, const QRY_LIB_TABLE_DEF 
     refuse(where, "there is no such composite element");
 }
 
-} // namespace
-
-std::vector<std::uint8_t> load_fixture(const std::string &path) {
-    const json file = parse(path);
+std::vector<std::uint8_t> load_text(const std::string &text, const std::string &name) {
+    const json file = parse(text, name);
     try {
         return fixture_loader().load(file);
     } catch (const refusal &error) {
-        refuse(path, error.what());
+        refuse(name, error.what());
     }
+}
+
+} // namespace
+
+std::vector<std::uint8_t> load_fixture(const std::string &path) {
+    return load_text(read_whole_file(path, file_size_max), path);
+}
+
+std::vector<std::uint8_t> parse_fixture(const std::string &text) {
+    return load_text(text, "the text");
 }
 
 } // namespace qryhost

@@ -135,10 +135,14 @@ json fixture_saver::record(const QRY_LIB_TABLE_DEF &table, std::uint32_t record)
 
 } // namespace
 
-void save_fixture(const std::string &path, const std::vector<std::uint8_t> &region) {
+std::string fixture_text(const std::vector<std::uint8_t> &region) {
     const fixture_saver saver(region);
     const json file = {{"format", 1}, {"settings", saver.settings()}, {"databases", saver.databases()}};
-    replace_whole_file(path, file.dump(2) + "\n");
+    return file.dump(2) + "\n";
+}
+
+void save_fixture(const std::string &path, const std::vector<std::uint8_t> &region) {
+    replace_whole_file(path, fixture_text(region));
 }
 
 } // namespace qryhost

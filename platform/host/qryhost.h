@@ -81,6 +81,31 @@ int qryhost_load(const char *json_path);
 int qryhost_save(const char *json_path);
 
 /**
+ * Does what qryhost_load() does, with a file's text.
+ *
+ * @param json  the text, terminated
+ * @return 0, or non-zero
+ */
+int qryhost_load_text(const char *json);
+
+/**
+ * Called with the text of qryhost_save_text().
+ *
+ * @param context  as given to qryhost_save_text()
+ * @param json     the text, terminated, valid during the call
+ */
+typedef void (*qryhost_text_sink)(void *context, const char *json);
+
+/**
+ * Hands over the text of the file that qryhost_save() writes.
+ *
+ * @param sink     called once, unless the call fails; not null
+ * @param context  handed to the sink
+ * @return 0, or non-zero
+ */
+int qryhost_save_text(qryhost_text_sink sink, void *context);
+
+/**
  * Called for every finding of qryhost_check().
  *
  * @param context    as given to qryhost_check()
@@ -128,6 +153,14 @@ typedef void (*qryhost_trace_sink)(void *context, uint32_t destination, uint32_t
  * @param context  handed to the sink
  */
 void qryhost_set_trace_sink(qryhost_trace_sink sink, void *context);
+
+/**
+ * Tells where the traces go, so that whoever sets a sink for a while can give the former one back.
+ *
+ * @param sink     takes the sink; null where traces are dropped
+ * @param context  takes what is handed to it
+ */
+void qryhost_get_trace_sink(qryhost_trace_sink *sink, void **context);
 
 /**
  * Counts the memory-partition blocks now in use.
@@ -201,6 +234,14 @@ void qryhost_fail_clear(void);
  * @return calls since the last qryhost_fail_clear(), of all threads
  */
 uint32_t qryhost_call_count(qryhost_call call);
+
+/**
+ * Counts the calling thread's platform calls of one kind.
+ *
+ * @param call  the kind
+ * @return calls since the thread began
+ */
+uint32_t qryhost_thread_call_count(qryhost_call call);
 
 #ifdef __cplusplus
 }

@@ -47,6 +47,15 @@ void qryhost_set_trace_sink(qryhost_trace_sink sink, void *context) {
     sink_context = context;
 }
 
+void qryhost_get_trace_sink(qryhost_trace_sink *sink, void **context) {
+    const qryhost::guard hold(sink_lock);
+    if (!sink_is_chosen) {
+        choose_sink_of_environment();
+    }
+    *sink = current_sink;
+    *context = sink_context;
+}
+
 void pfwGENTrcPrintf(std::uint32_t destination, std::uint32_t module, std::uint32_t level, const char *format,
                      ...) {
     char line[512];

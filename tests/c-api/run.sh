@@ -26,6 +26,9 @@ run_callers() {
     for language in c cpp; do
         "${emulator[@]}" "$1/people_$language" | diff "$here/people.out" -
     done
+    if [ -e "$1/companion" ]; then
+        "${emulator[@]}" "$1/companion" | diff "$here/companion.out" -
+    fi
 }
 
 # Builds the callers as a project of their own in folder $1; the rest: where the library is.
@@ -56,4 +59,10 @@ platform=(-I"$(pkg-config --variable=includedir qrylib)/qrylib-platform" -lqrypl
     "${library[@]}"
 "$cxx_compiler" -std=c++17 -Wpedantic -Werror "${extra[@]}" "$sources/examples/people.cpp" \
     -o "$scratch/asked/people_cpp" "${library[@]}"
+if [ -e "$PKG_CONFIG_PATH/qrytext.pc" ]; then
+    pkg-config --validate qrytext
+    read -r -a companion <<<"$(pkg-config --cflags --libs qrytext)"
+    "$c_compiler" -std=c99 -Wpedantic -Werror "${extra[@]}" "$sources/examples/companion.c" -o "$scratch/asked/companion" \
+        "${companion[@]}"
+fi
 LD_LIBRARY_PATH=$(pkg-config --variable=libdir qrylib) run_callers "$scratch/asked"

@@ -44,6 +44,13 @@ bool begins_with(std::string_view text, std::string_view start) {
 
 } // namespace
 
+const char *word_kind(const std::string &db_name, const std::string &word) {
+    if (std::find(std::begin(keywords), std::end(keywords), word) != std::end(keywords)) {
+        return "keyword";
+    }
+    return table_exists(db_name, word) ? "table" : "column";
+}
+
 std::size_t word_before(std::string_view text, std::size_t cursor) {
     const std::size_t before = text.substr(0, cursor).find_last_of(" ,()=<>!'");
     return before == std::string_view::npos ? 0 : before + 1;

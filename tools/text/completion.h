@@ -17,6 +17,9 @@ struct completion {
 // that it names; of every table where it names none.
 completion complete(const std::string &db_name, std::string_view statement, std::size_t cursor);
 
+// What a candidate is: "keyword", "table" or "column".
+const char *word_kind(const std::string &db_name, const std::string &word);
+
 // Where the word before the cursor begins.
 std::size_t word_before(std::string_view text, std::size_t cursor);
 

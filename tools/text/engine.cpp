@@ -3,7 +3,13 @@
 
 #include <qrylib/query.h>
 
+#include <stdexcept>
+
+#include <fmt/format.h>
+
+#include "tools/text/column_titles.h"
 #include "tools/text/result_reader.h"
+#include "tools/text/schema.h"
 #include "tools/text/statement_builder.h"
 #include "tools/text/text.h"
 
@@ -23,6 +29,28 @@ std::string first_word_in_capitals(std::string_view text) {
     return word;
 }
 
+// Without a row that names them, the columns are those of the text.
+std::vector<result_column> describe_columns(const std::string &db_name, const std::string &sql,
+                                            const qry_lib_db_rowset_ &rows) {
+    std::vector<result_column> columns;
+    if (rows.record_num > 0) {
+        const QRY_LIB_RECORD &row = rows.records[0];
+        for (std::int32_t i = 0; i < row.col_num; ++i) {
+            const QRY_LIB_COLUMN &column = row.cols[i];
+            const bool is_count = *column.col_name == '\0';
+            columns.push_back({column.table_name, is_count ? "COUNT(*)" : column.col_name,
+                               column.type == QRY_LIB_COLUMN_TYPE_STR});
+        }
+        return columns;
+    }
+    for (const column_name &column : select_list(sql)) {
+        const std::string table = column.table.empty() ? first_table(sql) : column.table;
+        const auto known = find_column(db_name, table, column.name);
+        columns.push_back({table, column.name, !known || known->type == QRY_LIB_COLUMN_TYPE_STR});
+    }
+    return columns;
+}
+
 reply select_rows(const std::string &db_name, const std::string &sql) {
     statement bound(db_name);
     rowset rows;
@@ -32,6 +60,7 @@ reply select_rows(const std::string &db_name, const std::string &sql) {
     }
     result answer = read_result(*rows.get(), sql);
     answer.table = first_table(sql);
+    answer.columns = describe_columns(db_name, sql, *rows.get());
     return {code, std::move(answer)};
 }
 
@@ -58,6 +87,15 @@ reply execute(const std::string &db_name, const std::string &sql) {
         return {qry_lib_db_exec(bound.get(), sql.c_str()), std::nullopt};
     }
     }
+}
+
+std::int64_t records_in_use(const std::string &db_name, const std::string &table_name) {
+    const reply counted = execute(db_name, fmt::format("SELECT COUNT(*) FROM {}", table_name));
+    if (!counted.rows) {
+        throw std::runtime_error(
+            fmt::format("{} cannot be counted: code 0x{:04X}", table_name, counted.code));
+    }
+    return std::get<std::int64_t>(counted.rows->rows.at(0).at(0));
 }
 
 std::string first_table(std::string_view sql) {

@@ -25,6 +25,9 @@ struct reply {
 // cannot be built.
 reply execute(const std::string &db_name, const std::string &sql);
 
+// Counting is a query like any other: it traces, and throws std::runtime_error where it fails.
+std::int64_t records_in_use(const std::string &db_name, const std::string &table_name);
+
 // The first table that a SELECT names; empty where none can be told.
 std::string first_table(std::string_view sql);
 

@@ -12,6 +12,7 @@ struct finding {
     std::size_t place; // in bytes; the text's length: behind its end
     std::size_t length;
     std::string sentence;
+    std::string hint = {};   // what to write instead; may be empty
     bool is_unknown = false; // no word of the dialect is near: the reader may have words of its own
 };
 

@@ -5,6 +5,7 @@
 
 #include <iterator>
 
+#include "tools/text/engine.h"
 #include "tools/text/schema.h"
 
 namespace qrytext {
@@ -23,6 +24,10 @@ void add_columns(result &list, const std::string &db_name, const std::string &ta
 }
 
 } // namespace
+
+const char *column_type_name(std::uint8_t type) {
+    return type_names[type];
+}
 
 result list_databases() {
     result list{{"DATABASE", "TABLES", "CAPACITY", "IN USE"}, {}};

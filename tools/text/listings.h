@@ -1,11 +1,15 @@
 // The built-in schema as results, so that every output mode can print it.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "tools/text/result.h"
 
 namespace qrytext {
+
+// "int", "ushort" and so on, of a QRY_LIB_COLUMN_TYPE.
+const char *column_type_name(std::uint8_t type);
 
 result list_databases();
 result list_tables(const std::string &db_name);

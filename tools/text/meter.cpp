@@ -1,6 +1,8 @@
 // Differences of the platform's counters.
 #include "tools/text/meter.h"
 
+#include <algorithm>
+#include <functional>
 #include <iterator>
 
 #include <fmt/format.h>
@@ -16,18 +18,18 @@ constexpr const char *call_names[] = {
     "file_read",     "file_write",       "file_close"};
 static_assert(std::size(call_names) == QRYHOST_CALL_NUM);
 
+call_counts count_calls() {
+    call_counts counts{};
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        counts[i] = qryhost_thread_call_count(static_cast<qryhost_call>(i));
+    }
+    return counts;
+}
+
 } // namespace
 
 const char *call_name(qryhost_call call) {
     return call_names[call];
-}
-
-std::array<std::uint32_t, QRYHOST_CALL_NUM> count_calls() {
-    std::array<std::uint32_t, QRYHOST_CALL_NUM> counts{};
-    for (std::size_t i = 0; i < counts.size(); ++i) {
-        counts[i] = qryhost_call_count(static_cast<qryhost_call>(i));
-    }
-    return counts;
 }
 
 meter::meter() : calls_(count_calls()) {
@@ -35,15 +37,20 @@ meter::meter() : calls_(count_calls()) {
     start_ = std::chrono::steady_clock::now();
 }
 
-std::string meter::describe(std::size_t row_num) const {
+cost meter::spent() const {
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start_;
-    const auto calls = count_calls();
+    cost sum{elapsed.count(), qryhost_pool_peak_bytes(), count_calls()};
+    std::transform(sum.calls.begin(), sum.calls.end(), calls_.begin(), sum.calls.begin(), std::minus<>());
+    return sum;
+}
+
+std::string describe_cost(const cost &spent, std::size_t row_num) {
     std::string text =
-        fmt::format("time {:.6f} s; {} rows; {} blocks, at most {} bytes at once; calls:", elapsed.count(),
-                    row_num, calls[QRYHOST_ALLOC] - calls_[QRYHOST_ALLOC], qryhost_pool_peak_bytes());
-    for (std::size_t i = 0; i < calls.size(); ++i) {
-        if (const std::uint32_t made = calls[i] - calls_[i]; made != 0) {
-            text += fmt::format(" {} {}", call_names[i], made);
+        fmt::format("time {:.6f} s; {} rows; {} blocks, at most {} bytes at once; calls:", spent.seconds,
+                    row_num, spent.calls[QRYHOST_ALLOC], spent.peak_bytes);
+    for (std::size_t i = 0; i < spent.calls.size(); ++i) {
+        if (spent.calls[i] != 0) {
+            text += fmt::format(" {} {}", call_names[i], spent.calls[i]);
         }
     }
     return text + '\n';

@@ -123,7 +123,7 @@ std::optional<finding> at_unknown_statement(const std::string &sql, const refusa
     }
     return finding{
         begin, word.size(),
-        fmt::format("no statement begins with \"{}\"{}", printable(word), did_you_mean(word, known)),
+        fmt::format("no statement begins with \"{}\"{}", printable(word), did_you_mean(word, known)), "",
         near.empty()};
 }
 

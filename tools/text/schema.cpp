@@ -1,14 +1,7 @@
 // The library's catalog, read into lists.
 #include "tools/text/schema.h"
 
-#include <qrylib/types.h>
-
 #include <algorithm>
-#include <stdexcept>
-
-#include <fmt/format.h>
-
-#include "tools/text/engine.h"
 
 namespace qrytext {
 
@@ -66,15 +59,6 @@ std::int64_t table_capacity(const std::string &db_name, const std::string &table
     std::uint16_t records = 0;
     qry_lib_catalog_capacity(db_name.c_str(), table_name.c_str(), &records);
     return records;
-}
-
-std::int64_t records_in_use(const std::string &db_name, const std::string &table_name) {
-    const reply counted = execute(db_name, fmt::format("SELECT COUNT(*) FROM {}", table_name));
-    if (!counted.rows) {
-        throw std::runtime_error(
-            fmt::format("{} cannot be counted: code 0x{:04X}", table_name, counted.code));
-    }
-    return std::get<std::int64_t>(counted.rows->rows.at(0).at(0));
 }
 
 } // namespace qrytext

@@ -23,9 +23,7 @@ std::vector<qry_lib_catalog_column_> table_columns(const std::string &db_name, c
 std::optional<qry_lib_catalog_column_> find_column(const std::string &db_name, const std::string &table_name,
                                                    const std::string &column);
 
-// Records that the device has room for, and those in use. Counting is a query like any other: it traces,
-// and throws std::runtime_error where it fails.
+// Records that the device has room for.
 std::int64_t table_capacity(const std::string &db_name, const std::string &table_name);
-std::int64_t records_in_use(const std::string &db_name, const std::string &table_name);
 
 } // namespace qrytext

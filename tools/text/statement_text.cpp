@@ -14,7 +14,7 @@ namespace qrytext {
 
 syntax_error::syntax_error(kind what_kind, std::size_t place, const std::string &sentence)
     : std::runtime_error(fmt::format("at character {}: {}", place, sentence)), kind_(what_kind),
-      place_(place) {}
+      place_(place), sentence_(sentence) {}
 
 namespace {
 
@@ -76,13 +76,18 @@ class scanner {
         return name;
     }
 
-    cell expect_value() {
+    void expect_value(assignment &taken) {
         skip_blanks();
+        taken.place = position_;
         if (position_ < text_.size() && text_[position_] == '\'') {
-            return quoted_value();
+            taken.value = quoted_value();
+        } else {
+            taken.value = number_value();
         }
-        return number_value();
+        taken.length = position_ - taken.place;
     }
+
+    std::size_t place() const { return position_; }
 
     std::string rest() {
         skip_blanks();
@@ -160,7 +165,7 @@ void parse_values(scanner &scan, std::vector<assignment> &values) {
         if (i > 0 && !scan.take(",")) {
             scan.fail(fmt::format("expected \",\" and a value: there are {} columns", values.size()));
         }
-        values[i].value = scan.expect_value();
+        scan.expect_value(values[i]);
     }
     if (!scan.take(")")) {
         scan.fail("expected \")\" after the last column's value");
@@ -191,9 +196,9 @@ write_statement parse_update(scanner &scan) {
     statement.table = expect_table(scan);
     scan.expect_keyword("SET");
     do {
-        std::string column = expect_column(scan);
+        statement.values.push_back({expect_column(scan), std::int64_t{0}});
         scan.expect("=");
-        statement.values.push_back({std::move(column), scan.expect_value()});
+        scan.expect_value(statement.values.back());
     } while (scan.take(","));
     if (scan.at_end()) {
         return statement;
@@ -202,6 +207,7 @@ write_statement parse_update(scanner &scan) {
         scan.fail("expected \",\", WHERE or the end of the statement");
     }
     statement.where = scan.rest();
+    statement.where_place = scan.place();
     if (statement.where.empty()) {
         scan.fail("expected a condition after WHERE");
     }

@@ -22,6 +22,8 @@ namespace qrytext {
 struct assignment {
     std::string column;
     cell value;
+    std::size_t place = 0; // of the value in the text, quotes included
+    std::size_t length = 0;
 };
 
 struct write_statement {
@@ -29,6 +31,7 @@ struct write_statement {
     std::string table;
     std::vector<assignment> values;
     std::string where; // empty: every row
+    std::size_t where_place = 0;
 };
 
 // What is wrong with a text, and at which of its characters, counted from 1 in bytes.
@@ -43,10 +46,12 @@ class syntax_error : public std::runtime_error {
     syntax_error(kind what_kind, std::size_t place, const std::string &sentence);
     kind what_kind() const { return kind_; }
     std::size_t place() const { return place_; }
+    const std::string &sentence() const { return sentence_; } // without its place
 
   private:
     kind kind_;
     std::size_t place_;
+    std::string sentence_;
 };
 
 // Throws syntax_error.

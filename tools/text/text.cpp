@@ -65,6 +65,17 @@ decoded_character decode_character(std::string_view text) {
     return invalid_byte;
 }
 
+bool is_utf8(std::string_view text) {
+    while (!text.empty()) {
+        const decoded_character character = decode_character(text);
+        if (!character.code_point) {
+            return false;
+        }
+        text.remove_prefix(character.length);
+    }
+    return true;
+}
+
 std::string printable(std::string_view text) {
     std::string out;
     while (!text.empty()) {

@@ -16,6 +16,8 @@ struct decoded_character {
 // The character at the start of `text`, which must not be empty.
 decoded_character decode_character(std::string_view text);
 
+bool is_utf8(std::string_view text);
+
 // The text with control characters and bytes that are not UTF-8 written as escapes, so that a value can
 // neither break a table's lines nor steer the terminal.
 std::string printable(std::string_view text);

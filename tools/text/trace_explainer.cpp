@@ -24,24 +24,25 @@ constexpr trace_point trace_points[] = {
 
 constexpr std::string_view after_function = "():[";
 constexpr std::string_view before_line = "]:(";
+constexpr std::string_view before_code = "(0x";
 
-struct point_name {
-    std::string_view function;
-    int line;
-};
+} // namespace
 
-std::optional<point_name> point_of(std::string_view text) {
+std::optional<trace_line> parse_trace(std::string_view text) {
     const std::size_t function_end = text.find(after_function);
     const std::size_t line_begin = text.find(before_line);
     if (function_end == std::string_view::npos || line_begin == std::string_view::npos) {
         return std::nullopt;
     }
-    int line = 0;
-    std::from_chars(text.data() + line_begin + before_line.size(), text.data() + text.size(), line);
-    return point_name{text.substr(0, function_end), line};
+    const char *const end = text.data() + text.size();
+    trace_line parsed{std::string(text.substr(0, function_end)), 0, std::nullopt};
+    std::from_chars(text.data() + line_begin + before_line.size(), end, parsed.line);
+    if (const std::size_t code_begin = text.find(before_code); code_begin != std::string_view::npos) {
+        parsed.code = 0;
+        std::from_chars(text.data() + code_begin + before_code.size(), end, *parsed.code, 16);
+    }
+    return parsed;
 }
-
-} // namespace
 
 std::string_view trace_cause(std::string_view function, int line) {
     const auto *point =
@@ -50,25 +51,25 @@ std::string_view trace_cause(std::string_view function, int line) {
     return point == std::end(trace_points) ? std::string_view() : point->cause;
 }
 
-std::string explain_trace(std::string_view trace_line) {
-    const std::string_view text = trace_line.substr(0, trace_line.find('\n'));
-    const std::optional<point_name> point = point_of(text);
+std::string explain_trace(std::string_view line) {
+    const std::string_view text = line.substr(0, line.find('\n'));
+    const std::optional<trace_line> point = parse_trace(text);
     const std::string_view cause = point ? trace_cause(point->function, point->line) : std::string_view();
     return cause.empty() ? std::string(text) : fmt::format("{}  -- {}", text, cause);
 }
 
-std::string trace_point_name(std::string_view trace_line) {
-    const std::optional<point_name> point = point_of(trace_line);
+std::string trace_point_name(std::string_view text) {
+    const std::optional<trace_line> point = parse_trace(text);
     if (!point) {
-        return std::string(trace_line);
+        return std::string(text);
     }
     return trace_cause(point->function, point->line).empty()
                ? std::string(point->function)
                : fmt::format("{}:{}", point->function, point->line);
 }
 
-bool tells_failure(std::string_view trace_line) {
-    return trace_line.find("(0x") != std::string_view::npos;
+bool tells_failure(std::string_view text) {
+    return text.find(before_code) != std::string_view::npos;
 }
 
 std::string explain_failure(const std::deque<std::string> &lines) {

@@ -14,7 +14,7 @@ outcome explain_statement(session &shell, const std::string &sql) {
         if (found.code != 0) {
             return shell.report(statement, found.code);
         }
-        shell.show(found.facts);
+        shell.show(list_facts(found));
         return outcome::done;
     } catch (const syntax_error &error) {
         return session::fail(error.what());

@@ -124,8 +124,9 @@ class sweeper {
     // False when Ctrl-C came first.
     bool run(result &list) {
         qryhost_fail_clear();
+        const meter cost;
         run_once(shell_.database(), sql_);
-        const auto calls = count_calls();
+        const call_counts calls = cost.spent().calls;
         records_.put_back();
         progress shown("calls failed", std::accumulate(calls.begin(), calls.end(), std::size_t{0}));
         for (int i = 0; i < QRYHOST_CALL_NUM && !stopped_; ++i) {

@@ -56,7 +56,7 @@ outcome session::run_and_show(const std::string &sql) {
     const meter cost;
     const reply answer = execute(database_, sql);
     const std::string spent =
-        settings_.timer ? cost.describe(answer.rows ? answer.rows->rows.size() : 0) : "";
+        settings_.timer ? describe_cost(cost.spent(), answer.rows ? answer.rows->rows.size() : 0) : "";
     if (answer.code != QRY_LIB_OK) {
         report(sql, answer.code);
     } else if (answer.rows) {

@@ -15,9 +15,6 @@ using namespace qrytext;
 
 namespace {
 
-// A failure's chain of calls is far shorter; a query over many records leaves far more.
-constexpr std::size_t kept_lines = 64;
-
 bool traces_go_elsewhere() {
     const char *const place = std::getenv("QRYLIB_TRACE");
     return place != nullptr && *place != '\0';
@@ -43,14 +40,7 @@ void trace_log::set_printing(bool on) {
 void trace_log::receive(void *context, std::uint32_t /*destination*/, std::uint32_t /*module*/,
                         std::uint32_t /*level*/, const char *text) {
     auto &log = *static_cast<trace_log *>(context);
-    if (log.pauses_ > 0) {
-        return;
-    }
-    if (log.lines_.size() == kept_lines) {
-        log.lines_.pop_front();
-    }
-    log.lines_.emplace_back(text);
-    if (log.printing_) {
+    if (log.keep(text) && log.printing_) {
         fmt::print(stderr, "{}\n", explain_trace(text));
     }
 }

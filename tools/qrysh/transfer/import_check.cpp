@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <limits>
 #include <map>
 #include <set>
 
@@ -14,6 +13,7 @@
 #include "tools/text/engine.h"
 #include "tools/text/filter_key_text.h"
 #include "tools/text/near_match.h"
+#include "tools/text/number_range.h"
 #include "tools/text/printers.h"
 #include "tools/text/schema.h"
 #include "tools/text/text.h"
@@ -26,32 +26,6 @@ namespace {
 
 using column = qry_lib_catalog_column_;
 using key = std::vector<cell>;
-
-struct number_range {
-    std::int64_t smallest;
-    std::int64_t largest;
-};
-
-constexpr std::int64_t largest_uint = std::numeric_limits<std::uint32_t>::max();
-
-// By column type.
-constexpr number_range ranges[] = {
-    {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()},
-    {0, std::numeric_limits<std::uint8_t>::max()},
-    {0, std::numeric_limits<std::uint16_t>::max()},
-    {0, largest_uint},
-    {0, largest_uint}};
-
-bool is_utf8(std::string_view text) {
-    while (!text.empty()) {
-        const decoded_character character = decode_character(text);
-        if (!character.code_point) {
-            return false;
-        }
-        text.remove_prefix(character.length);
-    }
-    return true;
-}
 
 class planner {
   public:
@@ -160,7 +134,7 @@ class planner {
     }
 
     cell read_number(const column &c, const csv_field &field) {
-        const number_range &range = ranges[c.type];
+        const number_range range = range_of(c.type);
         const char *const end = field.text.data() + field.text.size();
         std::int64_t number = 0;
         const auto [stop, error] = std::from_chars(field.text.data(), end, number);

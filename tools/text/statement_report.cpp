@@ -1,0 +1,186 @@
+// Running, checking, and the counts of what changed.
+#include "tools/text/statement_report.h"
+
+#include <qrylib/types.h>
+
+#include <algorithm>
+#include <iterator>
+#include <new>
+
+#include "tools/text/diagnosis.h"
+#include "tools/text/engine.h"
+#include "tools/text/query_reader.h"
+#include "tools/text/schema.h"
+#include "tools/text/statement_text.h"
+#include "tools/text/text.h"
+#include "tools/text/trace_explainer.h"
+
+namespace qrytext {
+
+namespace {
+
+struct verb_kind {
+    std::string_view verb;
+    std::string_view kind;
+};
+
+constexpr verb_kind verb_kinds[] = {{"SELECT", "select"}, {"INSERT", "insert"}, {"UPDATE", "update"},
+                                    {"DELETE", "delete"}, {"DROP", "drop"},     {"CREATE", "create"}};
+
+bool was_traced(const kept_traces &traces, std::string_view function, int line) {
+    return std::any_of(traces.lines().begin(), traces.lines().end(), [&](const std::string &text) {
+        const std::optional<trace_line> parsed = parse_trace(text);
+        return parsed && parsed->function == function && parsed->line == line;
+    });
+}
+
+// Trace points of a write that the platform refused: it was counted, and changed nothing.
+constexpr int refused_element = 1183;
+constexpr int refused_reset = 680;
+
+// Each record that is reset is one call.
+std::uint32_t records_reset(const call_counts &calls, const kept_traces &traces) {
+    const std::uint32_t failed = was_traced(traces, "exec_delete", refused_reset) ? 1 : 0;
+    return calls[QRYHOST_INIT_TABLE] - std::min(calls[QRYHOST_INIT_TABLE], failed);
+}
+
+// Each column of each record is one call; a record that was written in part counts.
+std::uint32_t records_written(const call_counts &calls, std::size_t column_num, const kept_traces &traces) {
+    const std::uint32_t failed = was_traced(traces, "set_tb_table", refused_element) ? 1 : 0;
+    const std::uint32_t written = calls[QRYHOST_SET_TABLE] - std::min(calls[QRYHOST_SET_TABLE], failed);
+    const auto columns = static_cast<std::uint32_t>(std::max<std::size_t>(column_num, 1));
+    return (written + columns - 1) / columns;
+}
+
+// The search for an INSERT's key takes one list for each key column. More lists are the search for a free
+// record: the key was not in use.
+bool looked_for_free_record(const std::string &db_name, const std::string &table, const call_counts &calls) {
+    const std::vector<qry_lib_catalog_column_> columns = table_columns(db_name, table);
+    const auto keys =
+        std::count_if(columns.begin(), columns.end(), [](const auto &column) { return column.is_key != 0; });
+    return calls[QRYHOST_CREATE_LIST] > static_cast<std::uint32_t>(keys);
+}
+
+change_counts count_changes(const std::string &db_name, const std::string &sql, const call_counts &calls,
+                            const kept_traces &traces) {
+    change_counts changes;
+    if (kind_of(sql) != statement_kind::write_record) {
+        changes.deleted = records_reset(calls, traces);
+        return changes;
+    }
+    const write_statement written = parse_write_statement(sql);
+    const std::uint32_t records = records_written(calls, written.values.size(), traces);
+    if (!written.is_insert) {
+        changes.changed = records;
+    } else if (looked_for_free_record(db_name, written.table, calls)) {
+        changes.added = records;
+    } else {
+        changes.replaced = records;
+    }
+    return changes;
+}
+
+statement_report refused(const std::string &sql, finding place) {
+    statement_report report;
+    report.kind = kind_name(sql);
+    report.code = QRY_LIB_NOT_ACCEPTED;
+    report.refusal = std::move(place);
+    return report;
+}
+
+finding whole(const std::string &sql, std::string sentence) {
+    return {0, sql.size(), std::move(sentence)};
+}
+
+std::optional<finding> objection(const std::string &sql, const run_rules &rules) {
+    if (rules.readonly && kind_of(sql) != statement_kind::select) {
+        return whole(sql, "only SELECT may run here");
+    }
+    return sql.find('\0') == std::string::npos
+               ? std::nullopt
+               : std::optional(whole(sql, "a statement must not hold a zero byte"));
+}
+
+statement_report run_in_library(const std::string &db_name, const std::string &sql, kept_traces &traces) {
+    statement_report report;
+    report.kind = kind_name(sql);
+    traces.clear();
+    const meter cost;
+    try {
+        reply answer = execute(db_name, sql);
+        report.code = answer.code;
+        report.rows = std::move(answer.rows);
+    } catch (const std::bad_alloc &) { // the statement's record could not be built
+        report.code = QRY_LIB_NO_MEMORY;
+    }
+    report.spent = cost.spent();
+    report.ok = report.code == QRY_LIB_OK;
+    report.changed = count_changes(db_name, sql, report.spent.calls, traces);
+    if (!report.ok) {
+        const kept_traces::pause quiet(traces);
+        report.refusal = diagnose(db_name, sql, report.code, traces.lines());
+    }
+    return report;
+}
+
+// What the parser says, and then the schema.
+statement_report look_at(const std::string &db_name, const std::string &sql, kept_traces &traces) {
+    statement_report report;
+    report.kind = kind_name(sql);
+    traces.clear();
+    norvane::qry_lib_analyze_info info;
+    report.code = analyze(db_name, sql, info);
+    const kept_traces::pause quiet(traces);
+    if (report.code != QRY_LIB_OK) {
+        report.refusal = diagnose(db_name, sql, report.code, traces.lines());
+    } else if ((report.refusal = find_unknown_name(db_name, sql))) {
+        report.code = QRY_LIB_INVALID_ARGUMENT;
+    }
+    report.ok = report.code == QRY_LIB_OK;
+    return report;
+}
+
+} // namespace
+
+std::string kind_name(const std::string &sql) {
+    const std::string_view text = trim(sql);
+    const auto *row = std::find_if(std::begin(verb_kinds), std::end(verb_kinds), [&](const verb_kind &known) {
+        return text.substr(0, known.verb.size()) == known.verb &&
+               text.substr(known.verb.size()).substr(0, 1).find_first_not_of(' ') == std::string_view::npos;
+    });
+    if (row == std::end(verb_kinds)) {
+        return "unknown";
+    }
+    if (row->kind != "select") {
+        return std::string(row->kind);
+    }
+    std::string list(text.substr(0, text.find(" FROM ")));
+    list.erase(std::remove(list.begin(), list.end(), ' '), list.end());
+    return list.find("COUNT(*)") == std::string::npos ? "select" : "count";
+}
+
+statement_report run_statement(const std::string &db_name, const std::string &sql, const run_rules &rules,
+                               kept_traces &traces) {
+    if (std::optional<finding> place = objection(sql, rules)) {
+        return refused(sql, std::move(*place));
+    }
+    try {
+        return run_in_library(db_name, sql, traces);
+    } catch (const syntax_error &error) {
+        return refused(sql, {error.place() - 1, 1, error.sentence()});
+    }
+}
+
+statement_report check_statement(const std::string &db_name, const std::string &sql, const run_rules &rules,
+                                 kept_traces &traces) {
+    if (std::optional<finding> place = objection(sql, rules)) {
+        return refused(sql, std::move(*place));
+    }
+    try {
+        return look_at(db_name, sql, traces);
+    } catch (const syntax_error &error) {
+        return refused(sql, {error.place() - 1, 1, error.sentence()});
+    }
+}
+
+} // namespace qrytext

@@ -1,0 +1,59 @@
+// A statement run, or looked at without running it, and all that is to be said of it.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/text/finding.h"
+#include "tools/text/kept_traces.h"
+#include "tools/text/meter.h"
+#include "tools/text/result.h"
+
+namespace qrytext {
+
+// Records that a statement changed, those before a failure included.
+struct change_counts {
+    std::uint32_t added = 0;
+    std::uint32_t replaced = 0; // by an INSERT whose key was in use
+    std::uint32_t changed = 0;
+    std::uint32_t deleted = 0;
+};
+
+// What was ignored, narrowed, or read otherwise than it looks.
+struct note {
+    std::size_t from; // in bytes
+    std::size_t to;   // behind the last one
+    std::string text;
+    std::string hint; // what to write instead; may be empty
+};
+
+struct statement_report {
+    bool ok = false;
+    std::string kind;       // "select", "count", "insert", "update", "delete", "drop", "create", "unknown"
+    std::uint32_t code = 0; // the library's; 0xDB00 too for what never reached it
+    std::optional<result> rows; // a SELECT's answer
+    change_counts changed;
+    std::vector<note> notes;
+    std::optional<finding> refusal;
+    cost spent{};
+};
+
+struct run_rules {
+    bool readonly = false; // only SELECT is run
+    bool strict = false;   // a statement with a note is not run
+};
+
+// Runs a statement. `traces` must receive the library's lines; those of the statement are in it afterwards.
+statement_report run_statement(const std::string &db_name, const std::string &sql, const run_rules &rules,
+                               kept_traces &traces);
+
+// Refuses what would be refused before it ran, and runs nothing.
+statement_report check_statement(const std::string &db_name, const std::string &sql, const run_rules &rules,
+                                 kept_traces &traces);
+
+// Told by its first words and, of a SELECT, by what it selects.
+std::string kind_name(const std::string &sql);
+
+} // namespace qrytext
