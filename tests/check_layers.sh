@@ -29,12 +29,12 @@ web                         qrytext/ qrylib/ platform/host/qryhost\.h
 examples                    qrytext/ qrylib/
 bench                       [a-z_]*\.h qrylib/ exec/ platform/
 fuzz                        fuzz/ tools/text/ qrytext/ qrylib/ exec/ parser/ platform/
-tests                       exec/schema/
+tests                       replaced_new\.h exec/schema/
 tests/c-api                 qrytext/ qrylib/ platform/host/qryhost\.h
 tests/concurrency           concurrency/ unit/ qrylib/ platform/
 tests/device                qrylib/ platform/[a-z_]*\.h
-tests/fault                 fault/ unit/ qrylib/ platform/
-tests/limits                limits/ link/ parser/ qrylib/ platform/[a-z_]*\.h
+tests/fault                 fault/ replaced_new\.h unit/ qrylib/ platform/
+tests/limits                limits/ replaced_new\.h link/ parser/ qrylib/ platform/[a-z_]*\.h
 tests/oracle                oracle/ qrylib/ exec/schema/ platform/
 tests/other_schema          unit/ exec/schema/
 tests/platform_calls        platform_calls/ unit/ exec/ link/ qrylib/ platform/[a-z_]*\.h

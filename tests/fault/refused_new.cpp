@@ -1,9 +1,10 @@
-// The replaced operator new and delete.
+// What the replaced operator new answers.
 #include "fault/refused_new.h"
 
 #include <atomic>
 #include <cstdlib>
-#include <new>
+
+#include "replaced_new.h"
 
 namespace {
 
@@ -24,69 +25,26 @@ bool is_refused() {
     return request >= state.skip && request - state.skip < state.times;
 }
 
-void *take(std::size_t size) {
+} // namespace
+
+namespace test {
+
+void *take_memory(std::size_t size, bool may_throw) {
     void *block = is_refused() ? nullptr : std::malloc(size == 0 ? 1 : size);
     if (block != nullptr) {
         ++state.in_use;
-    }
-    return block;
-}
-
-void *take_or_throw(std::size_t size) {
-    void *block = take(size);
-    if (block == nullptr) {
-        throw std::bad_alloc();
-    }
-    return block;
-}
-
-void *take_quietly(std::size_t size) {
-    void *block = take(size);
-    if (block == nullptr) {
+    } else if (!may_throw) {
         state.quiet_refused = true;
     }
     return block;
 }
 
-void give_back(void *block) {
-    if (block != nullptr) {
-        --state.in_use;
-        std::free(block);
-    }
+void give_memory_back(void *block) {
+    --state.in_use;
+    std::free(block);
 }
 
-} // namespace
-
-void *operator new(std::size_t size) {
-    return take_or_throw(size);
-}
-void *operator new[](std::size_t size) {
-    return take_or_throw(size);
-}
-void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
-    return take_quietly(size);
-}
-void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
-    return take_quietly(size);
-}
-void operator delete(void *block) noexcept {
-    give_back(block);
-}
-void operator delete[](void *block) noexcept {
-    give_back(block);
-}
-void operator delete(void *block, std::size_t) noexcept {
-    give_back(block);
-}
-void operator delete[](void *block, std::size_t) noexcept {
-    give_back(block);
-}
-void operator delete(void *block, const std::nothrow_t &) noexcept {
-    give_back(block);
-}
-void operator delete[](void *block, const std::nothrow_t &) noexcept {
-    give_back(block);
-}
+} // namespace test
 
 namespace fault {
 

@@ -1,12 +1,12 @@
-// The replaced operator new and delete, and a partition of the program's own, which the library then uses.
+// What the replaced operator new answers, and a partition of the program's own, which the library then uses.
 #include "limits/counted_memory.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <new>
 
 #include "platform/os.h"
+#include "replaced_new.h"
 
 namespace {
 
@@ -21,7 +21,11 @@ struct alignas(std::max_align_t) block_header {
     std::size_t size;
 };
 
-void *take(std::size_t size) {
+} // namespace
+
+namespace test {
+
+void *take_memory(std::size_t size, bool) {
     auto *header = static_cast<block_header *>(std::malloc(sizeof(block_header) + size));
     if (header == nullptr) {
         return nullptr;
@@ -32,64 +36,23 @@ void *take(std::size_t size) {
     return header + 1;
 }
 
-void *take_or_throw(std::size_t size) {
-    void *block = take(size);
-    if (block == nullptr) {
-        throw std::bad_alloc();
-    }
-    return block;
+void give_memory_back(void *block) {
+    block_header *header = static_cast<block_header *>(block) - 1;
+    bytes.in_use -= header->size;
+    std::free(header);
 }
 
-void give_back(void *block) {
-    if (block != nullptr) {
-        block_header *header = static_cast<block_header *>(block) - 1;
-        bytes.in_use -= header->size;
-        std::free(header);
-    }
-}
-
-} // namespace
-
-void *operator new(std::size_t size) {
-    return take_or_throw(size);
-}
-void *operator new[](std::size_t size) {
-    return take_or_throw(size);
-}
-void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
-    return take(size);
-}
-void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
-    return take(size);
-}
-void operator delete(void *block) noexcept {
-    give_back(block);
-}
-void operator delete[](void *block) noexcept {
-    give_back(block);
-}
-void operator delete(void *block, std::size_t) noexcept {
-    give_back(block);
-}
-void operator delete[](void *block, std::size_t) noexcept {
-    give_back(block);
-}
-void operator delete(void *block, const std::nothrow_t &) noexcept {
-    give_back(block);
-}
-void operator delete[](void *block, const std::nothrow_t &) noexcept {
-    give_back(block);
-}
+} // namespace test
 
 extern "C" {
 
 std::uint32_t pfwOSWOrgAllocMemPart(std::uint32_t, void **block, std::uint32_t size) {
-    *block = take(size);
+    *block = test::take_memory(size, false);
     return *block == nullptr ? 1 : 0;
 }
 
 std::uint32_t pfwOSWOrgFreeMemPart(std::uint32_t, void *block) {
-    give_back(block);
+    test::give_memory_back(block);
     return 0;
 }
 
