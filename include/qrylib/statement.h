@@ -30,7 +30,8 @@ extern "C" {
 QRY_LIB_API void qry_lib_db_stmt_init(qry_lib_db_stmt_ *stmt);
 
 /**
- * Initialises a statement and binds it to a database; qry_lib_db_stmt_term() ends it.
+ * Initialises a statement and binds it to a database; qry_lib_db_stmt_term() ends it. Since 1.1 a
+ * refused call leaves an initialised statement too, bound to no database: setters and term are safe on it.
  *
  * @param db_name  "adbk_db", "department_db", "usrac_db" or "log_db"; at most 255 characters, looked up when
  * the statement is executed
@@ -59,7 +60,8 @@ QRY_LIB_API void qry_lib_db_stmt_set_exec_type(qry_lib_db_stmt_ *stmt, QRY_LIB_D
  * Sets the number of columns and drops every column name and value set so far.
  *
  * @param stmt     the statement
- * @param col_num  0 to 65535; looked at when the statement is executed
+ * @param col_num  0 to 65535, for an INSERT, an UPDATE and a SELECT from 1; looked at when the statement is
+ *                 executed
  */
 QRY_LIB_API void qry_lib_db_stmt_set_col_num(qry_lib_db_stmt_ *stmt, int32_t col_num);
 
