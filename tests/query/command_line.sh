@@ -49,6 +49,34 @@ expect 1 $'COUNT(\\*)\r\n10\r' 'error: not run, since it does not end with ";": 
     --mode csv -f <(printf 'DELETE FROM\nPSN_TBL\nSELECT COUNT(*) FROM PSN_TBL\n')
 expect 1 '' 'error: not run, since it does not end with ";": SELECT' --bail $'SELECT\n.tables'
 
+# A change of every record without ";" goes on with a line that begins with WHERE, whatever stands between, and with no
+# other.
+expect 0 $'COUNT(\\*)\r\n9\r' '' --fixture "$fixture" --mode csv \
+    -f <(printf 'DELETE FROM PSN_TBL\n\n-- some\n  WHERE PSN_ID = 1\nSELECT COUNT(*) FROM PSN_TBL\n')
+expect 0 $'COUNT(\\*)\r\n0\r' '' --fixture "$fixture" --mode csv \
+    -f <(printf 'DELETE FROM PSN_TBL\nSELECT COUNT(*) FROM PSN_TBL\n')
+expect 1 $'COUNT(\\*)\r\n10\r' 'error: *write WHERE' --fixture "$fixture" --mode csv \
+    -f <(printf 'DELETE FROM PSN_TBL\nwhere PSN_ID = 1\nSELECT COUNT(*) FROM PSN_TBL\n')
+expect 1 $'COUNT(\\*)\r\n0\r' '*no statement begins so*' --fixture "$fixture" --mode csv \
+    -f <(printf 'DELETE FROM PSN_TBL;\nWHERE PSN_ID = 1\nSELECT COUNT(*) FROM PSN_TBL\n')
+expect 0 $'COUNT(\\*)\r\n1\r' '' --fixture "$fixture" --mode csv \
+    -f <(printf 'UPDATE PSN_TBL SET INTEG_ID = 7\nWHERE PSN_ID = 1\nSELECT COUNT(*) FROM PSN_TBL WHERE INTEG_ID = 7\n')
+
+# Notes go to standard error; a strict shell runs nothing that gets one.
+dropped='DELETE FROM PSN_TBL WHERE PSN_ID = 1 and PSN_ID = 99'
+expect 0 $'COUNT(\\*)\r\n9\r' 'note: " and PSN_ID = 99" was read as part of the value; keywords are upper case' \
+    --fixture "$fixture" --mode csv "$dropped" "$count"
+expect 1 $'COUNT(\\*)\r\n10\r' 'note: *error: not run: a note stands against it*' --fixture "$fixture" --mode csv --strict \
+    "$dropped" "$count"
+expect 1 $'COUNT(\\*)\r\n10\r' '*error: not run*' --fixture "$fixture" --mode csv -c '.strict on' "$dropped" "$count"
+expect 0 $'COUNT(\\*)\r\n9\r' 'note: *' --fixture "$fixture" --mode csv --strict -c '.strict off' "$dropped" "$count"
+
+# Scripts may be kept from changing every record.
+for change in 'DELETE FROM PSN_TBL' 'DROP TABLE PSN_TBL;' 'UPDATE PSN_TBL SET INTEG_ID = 1'; do
+    expect 1 '' 'error: this takes every record*--safe-updates' --safe-updates --fixture "$fixture" "$change"
+done
+expect 0 '' 'ok' --safe-updates --fixture "$fixture" 'DELETE FROM PSN_TBL WHERE PSN_ID = 1'
+
 # What is asked for may be refused as a whole.
 expect 1 '' 'error: only SELECT may run*' --readonly 'DELETE FROM PSN_TBL'
 expect 1 '' 'error: only SELECT may run*' --readonly 'UPDATE PSN_TBL SET PSN_ID = 1'

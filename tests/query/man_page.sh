@@ -15,7 +15,7 @@ differences=$(diff \
     ) \
     <(
         grep -oE '^\.It Ic \.[a-z]+' "$page" | sed 's/.* //' | sort -u
-        grep -oE '^\.It Fl -?[a-z]+' "$page" | sed 's/.*Fl /-/' | sort -u
+        grep -oE '^\.It Fl -?[-a-z]+' "$page" | sed 's/.*Fl /-/' | sort -u
     )) || true
 if [ -n "$differences" ]; then
     printf 'the shell (<) and its man page (>) differ:\n%s\n' "$differences" >&2

@@ -150,3 +150,24 @@ expect '^\(101 rows\)$'
 start QRYSH_HISTORY=/nowhere/history
 type_line '.help .quit'
 expect '^\.quit  leave the shell$'
+
+# A change of every record asks first, and takes nothing but yes. A paste goes on with its WHERE.
+start
+type_line 'DELETE FROM PSN_TBL'
+expect 'type yes to go on: $'
+type_line 'y'
+expect '^error: not run$'
+type_line 'DELETE FROM PSN_TBL'
+type_line 'WHERE PSN_ID = 1'
+expect 'ok$'
+type_line 'SELECT COUNT(*) FROM PSN_TBL'
+expect '^│        9 │$'
+keys C-l
+type_line 'DROP TABLE PSN_TBL;'
+expect 'type yes to go on: $'
+type_line 'yes'
+expect '^ok$'
+type_line 'SELECT COUNT(*) FROM PSN_TBL'
+expect '^│        0 │$'
+keys C-d
+expect '^left with 1$'

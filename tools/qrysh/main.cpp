@@ -15,12 +15,20 @@ namespace {
 using namespace qrysh;
 using namespace qrytext;
 
+// Lines are typed, and answers can be.
+bool reads_terminal(const options &chosen) {
+    return chosen.commands.empty() && chosen.file.empty() && chosen.statements.empty() && input_is_terminal();
+}
+
 bool set_up(session &shell, const options &chosen) {
     settings &set = shell.options();
     set.mode = output_is_terminal() ? output_mode::box : output_mode::table;
     set.echo = chosen.echo;
     set.readonly = chosen.readonly;
     set.safe = chosen.safe;
+    set.strict = chosen.strict;
+    set.safe_updates = chosen.safe_updates;
+    set.asks = reads_terminal(chosen);
     if (!chosen.image.empty() && shell.open(chosen.image) == outcome::failed) {
         return false;
     }

@@ -34,9 +34,9 @@ void take_image(options &chosen) {
 
 options parse_options(int argc, char **argv) {
     options chosen;
-    CLI::App app("Asks and changes the records of a simulated device.", "qrysh");
+    CLI::App app("Runs lines, or those of standard input, on a device; an image may stand first.", "qrysh");
     app.get_formatter()->column_width(24);
-    app.add_option("SQL", chosen.statements, "lines to run, or an image first; standard input if none");
+    app.add_option("SQL", chosen.statements)->group(""); // the first line tells of it
     app.add_option("-c", chosen.commands, "run this line; may be repeated")
         ->option_text("SQL")
         ->allow_extra_args(false);
@@ -49,6 +49,8 @@ options parse_options(int argc, char **argv) {
     app.add_flag("--bail", chosen.bail, "stop at the first error");
     app.add_flag("--readonly", chosen.readonly, "refuse whatever changes records");
     app.add_flag("--safe", chosen.safe, "refuse commands that touch files");
+    app.add_flag("--strict", chosen.strict, "refuse statements that get a note");
+    app.add_flag("--safe-updates", chosen.safe_updates, "refuse changes of every record in scripts");
     app.add_flag("--trace", chosen.trace, "print the library's trace, with causes");
     app.add_flag("--echo", chosen.echo, "print each line above its answer");
     app.set_version_flag("--version", qry_lib_version());

@@ -20,6 +20,8 @@ struct options {
     bool bail = false;
     bool readonly = false;
     bool safe = false;
+    bool strict = false;
+    bool safe_updates = false;
     int exit_status = -1; // 0 or above: everything has been said, for example by --help
 };
 

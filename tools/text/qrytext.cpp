@@ -11,6 +11,7 @@
 #include <string>
 
 #include "platform/host/qryhost.h"
+#include "tools/text/clauses.h"
 #include "tools/text/completion.h"
 #include "tools/text/explanation.h"
 #include "tools/text/json_answers.h"

@@ -6,7 +6,9 @@
 #include <optional>
 #include <utility>
 
+#include "tools/text/clauses.h"
 #include "tools/text/finding.h"
+#include "tools/text/near_match.h"
 #include "tools/text/statement_text.h"
 #include "tools/text/text.h"
 
@@ -79,6 +81,10 @@ bool goes_on(std::string_view line) {
     return is_write(text) && fault_of_write(text) == syntax_error::kind::cut_off;
 }
 
+bool is_delete_or_update(std::string_view text) {
+    return first_word(text) == "DELETE" || first_word(text) == "UPDATE";
+}
+
 bool ends_with_semicolon(std::string_view text) {
     const std::string_view shown = without_gaps_behind(text);
     return !shown.empty() && shown.back() == ';';
@@ -90,13 +96,18 @@ bool begins_statement(std::string_view text) {
     return is_one_of(verbs, first_word(text));
 }
 
+bool begins_condition(std::string_view line) {
+    return in_capitals(first_word(line)) == "WHERE";
+}
+
 std::string_view without_semicolon(std::string_view text) {
     return ends_with_semicolon(text) ? text.substr(0, text.rfind(';')) : text;
 }
 
 // No line of a statement but its first begins with a verb or a point, so a forgotten ";" costs one statement.
 bool statement_lines::is_cut_off_by(std::string_view line) const {
-    return is_open() && !quote_is_open_ && (first_word(line).substr(0, 1) == "." || begins_statement(line));
+    return is_open() && !quote_is_open_ && !is_held_ &&
+           (first_word(line).substr(0, 1) == "." || begins_statement(line));
 }
 
 void statement_lines::append(std::string_view line) {
@@ -110,7 +121,7 @@ void statement_lines::append(std::string_view line) {
     }
 }
 
-bool statement_lines::add(std::string_view line) {
+bool statement_lines::add(std::string_view line, bool waits) {
     const bool is_first = !is_open();
     if (is_first) {
         text_ = line;
@@ -124,11 +135,26 @@ bool statement_lines::add(std::string_view line) {
     if (text_.back() == '\r') {
         text_.pop_back();
     }
-    return ends_with_semicolon(text_) || (is_first && !goes_on(text_));
+    if (ends_with_semicolon(text_)) {
+        return true;
+    }
+    if (is_held_) { // a blank line or a comment goes on waiting
+        is_held_ = !begins_condition(line);
+        return !is_held_ && !goes_on(text_);
+    }
+    is_held_ =
+        is_first && waits && !goes_on(text_) && is_delete_or_update(text_) && takes_every_record(text_);
+    return is_first && !is_held_ && !goes_on(text_);
+}
+
+bool statement_lines::is_held_before(std::string_view line) const {
+    const std::string_view word = first_word(line);
+    return is_held_ && !word.empty() && word.substr(0, 2) != "--" && !begins_condition(line);
 }
 
 std::string statement_lines::take() {
     quote_is_open_ = false;
+    is_held_ = false;
     return std::exchange(text_, {});
 }
 

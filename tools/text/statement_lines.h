@@ -21,8 +21,13 @@ class statement_lines {
     // What has been put together so far.
     const std::string &text() const { return text_; }
 
-    // Adds a line without its line end. True when the statement has ended: it is to be taken then.
-    bool add(std::string_view line);
+    // Adds a line without its line end. True when the statement has ended: it is to be taken then. With
+    // `waits`, a DELETE or UPDATE of every record that no ";" ends is held, since the next line may begin
+    // with WHERE.
+    bool add(std::string_view line, bool waits);
+
+    // Whether a statement is held, and `line` does not go on with it: it is to be taken first.
+    bool is_held_before(std::string_view line) const;
 
     // Hands the statement out and starts anew.
     std::string take();
@@ -32,10 +37,14 @@ class statement_lines {
 
     std::string text_;
     bool quote_is_open_ = false;
+    bool is_held_ = false;
 };
 
 // Whether a text begins as a statement does, in capitals.
 bool begins_statement(std::string_view text);
+
+// Whether a line begins with WHERE, in any case: who writes "where" means it.
+bool begins_condition(std::string_view line);
 
 // The statement without the semicolon that ends it. All else stays, blanks at the end included, since they
 // matter to the library: "ORDER BY " has a sort phrase, though an empty one, and "ORDER BY" has none.

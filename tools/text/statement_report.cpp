@@ -7,8 +7,10 @@
 #include <iterator>
 #include <new>
 
+#include "tools/text/clauses.h"
 #include "tools/text/diagnosis.h"
 #include "tools/text/engine.h"
+#include "tools/text/explanation.h"
 #include "tools/text/query_reader.h"
 #include "tools/text/schema.h"
 #include "tools/text/statement_text.h"
@@ -18,14 +20,6 @@
 namespace qrytext {
 
 namespace {
-
-struct verb_kind {
-    std::string_view verb;
-    std::string_view kind;
-};
-
-constexpr verb_kind verb_kinds[] = {{"SELECT", "select"}, {"INSERT", "insert"}, {"UPDATE", "update"},
-                                    {"DELETE", "delete"}, {"DROP", "drop"},     {"CREATE", "create"}};
 
 bool was_traced(const kept_traces &traces, std::string_view function, int line) {
     return std::any_of(traces.lines().begin(), traces.lines().end(), [&](const std::string &text) {
@@ -84,6 +78,7 @@ statement_report refused(const std::string &sql, finding place) {
     statement_report report;
     report.kind = kind_name(sql);
     report.code = QRY_LIB_NOT_ACCEPTED;
+    report.reached_library = false;
     report.refusal = std::move(place);
     return report;
 }
@@ -99,6 +94,26 @@ std::optional<finding> objection(const std::string &sql, const run_rules &rules)
     return sql.find('\0') == std::string::npos
                ? std::nullopt
                : std::optional(whole(sql, "a statement must not hold a zero byte"));
+}
+
+// What a look at the statement needs may be missing just now: then nothing is said, and nothing is lost.
+std::vector<note> notes_of(const std::string &db_name, const std::string &sql, kept_traces &traces) {
+    const kept_traces::pause quiet(traces);
+    try {
+        return find_notes(db_name, sql);
+    } catch (const std::bad_alloc &) {
+        return {};
+    }
+}
+
+std::optional<finding> place_of_fault(const std::string &db_name, const std::string &sql, std::uint32_t code,
+                                      kept_traces &traces) {
+    const kept_traces::pause quiet(traces);
+    try {
+        return diagnose(db_name, sql, code, traces.lines());
+    } catch (const std::bad_alloc &) {
+        return std::nullopt;
+    }
 }
 
 statement_report run_in_library(const std::string &db_name, const std::string &sql, kept_traces &traces) {
@@ -117,55 +132,60 @@ statement_report run_in_library(const std::string &db_name, const std::string &s
     report.ok = report.code == QRY_LIB_OK;
     report.changed = count_changes(db_name, sql, report.spent.calls, traces);
     if (!report.ok) {
-        const kept_traces::pause quiet(traces);
-        report.refusal = diagnose(db_name, sql, report.code, traces.lines());
+        report.refusal = place_of_fault(db_name, sql, report.code, traces);
     }
     return report;
 }
 
-// What the parser says, and then the schema.
+// What the parser says, then the schema, then the analysis of a join.
 statement_report look_at(const std::string &db_name, const std::string &sql, kept_traces &traces) {
     statement_report report;
     report.kind = kind_name(sql);
     traces.clear();
-    norvane::qry_lib_analyze_info info;
-    report.code = analyze(db_name, sql, info);
-    const kept_traces::pause quiet(traces);
+    report.code = explain(db_name, sql).code;
     if (report.code != QRY_LIB_OK) {
-        report.refusal = diagnose(db_name, sql, report.code, traces.lines());
-    } else if ((report.refusal = find_unknown_name(db_name, sql))) {
-        report.code = QRY_LIB_INVALID_ARGUMENT;
+        report.refusal = place_of_fault(db_name, sql, report.code, traces);
+    } else {
+        const kept_traces::pause quiet(traces);
+        report.refusal = find_unknown_name(db_name, sql);
+        report.code = report.refusal ? QRY_LIB_INVALID_ARGUMENT : QRY_LIB_OK;
     }
     report.ok = report.code == QRY_LIB_OK;
     return report;
 }
 
-} // namespace
-
-std::string kind_name(const std::string &sql) {
-    const std::string_view text = trim(sql);
-    const auto *row = std::find_if(std::begin(verb_kinds), std::end(verb_kinds), [&](const verb_kind &known) {
-        return text.substr(0, known.verb.size()) == known.verb &&
-               text.substr(known.verb.size()).substr(0, 1).find_first_not_of(' ') == std::string_view::npos;
-    });
-    if (row == std::end(verb_kinds)) {
-        return "unknown";
-    }
-    if (row->kind != "select") {
-        return std::string(row->kind);
-    }
-    std::string list(text.substr(0, text.find(" FROM ")));
-    list.erase(std::remove(list.begin(), list.end(), ' '), list.end());
-    return list.find("COUNT(*)") == std::string::npos ? "select" : "count";
+// Codes with which the library refuses a statement for what it says.
+bool is_about_text(std::uint32_t code) {
+    return code == QRY_LIB_NOT_ACCEPTED || code == QRY_LIB_INVALID_ARGUMENT || code == QRY_LIB_TABLE_ARGUMENT;
 }
 
+// The first note is the refusal of a strict run.
+statement_report refuse_for(std::vector<note> notes, const std::string &sql) {
+    const note &first = notes.front();
+    statement_report report = refused(sql, {first.from, first.to - first.from, first.text, first.hint});
+    report.notes = std::move(notes);
+    return report;
+}
+
+} // namespace
+
+// A strict run looks before it runs. Any other runs first: the look takes blocks of the memory partition, and
+// would take an injected failure that is meant for the statement.
 statement_report run_statement(const std::string &db_name, const std::string &sql, const run_rules &rules,
                                kept_traces &traces) {
     if (std::optional<finding> place = objection(sql, rules)) {
         return refused(sql, std::move(*place));
     }
     try {
-        return run_in_library(db_name, sql, traces);
+        if (rules.strict) {
+            std::vector<note> notes = notes_of(db_name, sql, traces);
+            return notes.empty() ? run_in_library(db_name, sql, traces) : refuse_for(std::move(notes), sql);
+        }
+        statement_report report = run_in_library(db_name, sql, traces);
+        if (!is_about_text(report.code)) { // else the refusal says more
+            report.notes = notes_of(db_name, sql, traces);
+        }
+        return report;
     } catch (const syntax_error &error) {
         return refused(sql, {error.place() - 1, 1, error.sentence()});
     }
@@ -177,7 +197,15 @@ statement_report check_statement(const std::string &db_name, const std::string &
         return refused(sql, std::move(*place));
     }
     try {
-        return look_at(db_name, sql, traces);
+        std::vector<note> notes = notes_of(db_name, sql, traces);
+        if (rules.strict && !notes.empty()) {
+            return refuse_for(std::move(notes), sql);
+        }
+        statement_report report = look_at(db_name, sql, traces);
+        if (report.ok) {
+            report.notes = std::move(notes);
+        }
+        return report;
     } catch (const syntax_error &error) {
         return refused(sql, {error.place() - 1, 1, error.sentence()});
     }

@@ -9,6 +9,7 @@
 #include "tools/text/finding.h"
 #include "tools/text/kept_traces.h"
 #include "tools/text/meter.h"
+#include "tools/text/notes.h"
 #include "tools/text/result.h"
 
 namespace qrytext {
@@ -21,16 +22,9 @@ struct change_counts {
     std::uint32_t deleted = 0;
 };
 
-// What was ignored, narrowed, or read otherwise than it looks.
-struct note {
-    std::size_t from; // in bytes
-    std::size_t to;   // behind the last one
-    std::string text;
-    std::string hint; // what to write instead; may be empty
-};
-
 struct statement_report {
     bool ok = false;
+    bool reached_library = true; // false: the rules, or the grammar of INSERT and UPDATE, stood before it
     std::string kind;       // "select", "count", "insert", "update", "delete", "drop", "create", "unknown"
     std::uint32_t code = 0; // the library's; 0xDB00 too for what never reached it
     std::optional<result> rows; // a SELECT's answer
@@ -52,8 +46,5 @@ statement_report run_statement(const std::string &db_name, const std::string &sq
 // Refuses what would be refused before it ran, and runs nothing.
 statement_report check_statement(const std::string &db_name, const std::string &sql, const run_rules &rules,
                                  kept_traces &traces);
-
-// Told by its first words and, of a SELECT, by what it selects.
-std::string kind_name(const std::string &sql);
 
 } // namespace qrytext

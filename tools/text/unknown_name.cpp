@@ -5,10 +5,11 @@
 #include <fmt/format.h>
 
 #include "parser/qry_lib_sql_parser.h"
-#include "tools/text/condition_fault.h"
+#include "tools/text/clauses.h"
 #include "tools/text/diagnosis.h"
 #include "tools/text/engine.h"
 #include "tools/text/filter_key_text.h"
+#include "tools/text/foreign_words.h"
 #include "tools/text/near_match.h"
 #include "tools/text/printers.h"
 #include "tools/text/query_reader.h"
@@ -114,6 +115,39 @@ found check_column(const std::string &db_name, const std::string &table, const s
         fmt::format("{} has no column \"{}\"{}", table, printable(column), did_you_mean(column, names)));
 }
 
+// A selected item of several words, of which the parser makes one name without blanks.
+found check_item(const std::string &db_name, const std::string &table, const std::string &sql,
+                 text_span item) {
+    const std::string text = sql.substr(item.place, item.length);
+    if (const std::string advice = advice_for(text); !advice.empty()) {
+        return finding{item.place, item.length, advice};
+    }
+    const std::size_t blank = text.find(' ');
+    const std::string second(trim(std::string_view(text).substr(blank)));
+    if (find_column(db_name, table, text.substr(0, blank)) && find_column(db_name, table, second)) {
+        return finding{item.place + blank, 1, "a comma is missing here"};
+    }
+    return finding{item.place, item.length, "a column stands alone: nothing is worked out or renamed"};
+}
+
+// The columns of a SELECT over one table.
+found check_selected(const std::string &db_name, const std::string &table, const std::string &sql,
+                     const std::vector<std::string> &columns) {
+    const std::vector<text_span> items = items_of(sql, clauses_of(sql).columns);
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const bool is_known = find_column(db_name, table, columns[i]).has_value();
+        const bool has_words =
+            i < items.size() && sql.substr(items[i].place, items[i].length).find(' ') != std::string::npos;
+        found fault = is_known    ? std::nullopt
+                      : has_words ? check_item(db_name, table, sql, items[i])
+                                  : check_column(db_name, table, sql, 0, columns[i]);
+        if (fault) {
+            return fault;
+        }
+    }
+    return std::nullopt;
+}
+
 // A column of a join, which carries its table's name.
 found check_joined_column(const std::string &db_name, const std::vector<std::string> &tables,
                           const std::string &sql, std::size_t from, const std::string &name) {
@@ -188,8 +222,8 @@ found check_joined(const std::string &db_name, const std::string &sql, const que
 
 found check_single(const std::string &db_name, const std::string &sql, const query &asked) {
     const std::string &table = asked.tables.front();
-    for (const std::string &column : asked.columns) {
-        if (found fault = check_column(db_name, table, sql, 0, column)) {
+    if (asked.type == QRY_LIB_DB_QUERY_TYPE_SELECT) {
+        if (found fault = check_selected(db_name, table, sql, asked.columns)) {
             return fault;
         }
     }

@@ -16,7 +16,7 @@ std::vector<std::string> statements(std::initializer_list<std::string_view> line
     std::vector<std::string> found;
     statement_lines reader;
     for (const std::string_view line : lines) {
-        if (reader.add(line)) {
+        if (reader.add(line, false)) {
             found.push_back(reader.take());
         }
     }
@@ -67,13 +67,13 @@ TEST(statement_lines, between_quotes_everything_stays) {
 TEST(statement_lines, another_beginning_cuts_a_statement_off) {
     statement_lines reader;
     EXPECT_FALSE(reader.is_cut_off_by("SELECT A FROM T"));
-    ASSERT_FALSE(reader.add("DELETE FROM"));
+    ASSERT_FALSE(reader.add("DELETE FROM", false));
     EXPECT_TRUE(reader.is_cut_off_by("  SELECT A FROM T"));
     EXPECT_TRUE(reader.is_cut_off_by("\t.quit"));
     EXPECT_FALSE(reader.is_cut_off_by("SELECTED WHERE A = 1"));
     EXPECT_FALSE(reader.is_cut_off_by(""));
     reader.take();
-    ASSERT_FALSE(reader.add("INSERT INTO T (A) VALUES ('x"));
+    ASSERT_FALSE(reader.add("INSERT INTO T (A) VALUES ('x", false));
     EXPECT_FALSE(reader.is_cut_off_by(".quit"));
     EXPECT_FALSE(reader.is_cut_off_by("SELECT A FROM T"));
 }
@@ -83,6 +83,33 @@ TEST(statement_lines, one_semicolon_belongs_to_the_shell) {
     EXPECT_EQ(without_semicolon("A ;;"), "A ;");
     EXPECT_EQ(without_semicolon("A; B "), "A; B ");
     EXPECT_EQ(without_semicolon(""), "");
+}
+
+TEST(StatementLines, AChangeOfEveryRecordWaitsForAWhere) {
+    for (const char *const first : {"DELETE FROM PSN_TBL", "UPDATE PSN_TBL SET PSN_ID = 1"}) {
+        statement_lines reader;
+        EXPECT_FALSE(reader.add(first, true)) << first;
+        EXPECT_TRUE(reader.is_held_before("SELECT X FROM T"));
+        EXPECT_TRUE(reader.is_held_before(".quit"));
+        for (const char *const more : {"", "  ", "-- a comment", "WHERE X = 1", "  where x = 1"}) {
+            EXPECT_FALSE(reader.is_held_before(more)) << more;
+        }
+        EXPECT_FALSE(reader.add("-- a comment", true));
+        EXPECT_TRUE(reader.add("  WHERE PSN_ID = 1", true));
+        EXPECT_EQ(reader.take(), std::string(first) + " WHERE PSN_ID = 1");
+        EXPECT_FALSE(reader.is_held_before("SELECT X FROM T"));
+    }
+}
+
+TEST(StatementLines, WhatSaysWhichRecordsDoesNotWait) {
+    for (const char *const line :
+         {"DELETE FROM PSN_TBL;", "DELETE FROM PSN_TBL WHERE PSN_ID = 1", "DROP TABLE PSN_TBL",
+          "SELECT X FROM T", "UPDATE T SET A = 1 WHERE B = 2"}) {
+        statement_lines reader;
+        EXPECT_TRUE(reader.add(line, true)) << line;
+    }
+    statement_lines reader;
+    EXPECT_TRUE(reader.add("DELETE FROM PSN_TBL", false)) << "at a prompt it is asked for";
 }
 
 } // namespace

@@ -18,6 +18,7 @@ outcome use_mode(session &shell, const std::string &argument);
 outcome load(session &shell, const std::string &argument);
 outcome save(session &shell, const std::string &argument);
 outcome switch_echo(session &shell, const std::string &argument);
+outcome switch_strict(session &shell, const std::string &argument);
 outcome switch_timer(session &shell, const std::string &argument);
 outcome switch_trace(session &shell, const std::string &argument);
 outcome quit(session &shell, const std::string &argument);

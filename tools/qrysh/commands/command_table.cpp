@@ -56,6 +56,8 @@ constexpr command commands[] = {
     {".save", argument::required, touches::files, ".save FILE", "write every record to a JSON file", ""},
     {".schema", argument::optional, touches::nothing, ".schema [TABLE]",
      "list the columns of a table, or of all", ""},
+    {".strict", argument::required, touches::nothing, ".strict on|off", "refuse statements that get a note",
+     "A note tells what of a statement was ignored, narrowed, or is read otherwise than it looks.\n"},
     {".tables", argument::none, touches::nothing, ".tables", "list the tables, capacities, records in use",
      ""},
     {".timer", argument::required, touches::nothing, ".timer on|off", "print what each statement cost",

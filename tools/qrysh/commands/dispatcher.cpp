@@ -59,6 +59,7 @@ constexpr command_action actions[] = {
     {".record", show_record},
     {".save", save},
     {".schema", show_schema},
+    {".strict", switch_strict},
     {".tables", show_tables},
     {".timer", switch_timer},
     {".trace", switch_trace},
@@ -134,10 +135,13 @@ outcome dispatcher::run(std::string_view line) {
             return run_command(shell_, text);
         }
     }
-    return lines_.add(line) ? answer(shell_, lines_.take()) : outcome::done;
+    return lines_.add(line, !shell_.options().asks) ? answer(shell_, lines_.take()) : outcome::done;
 }
 
 outcome dispatcher::make_way_for(std::string_view line) {
+    if (lines_.is_held_before(line)) {
+        return run_rest();
+    }
     return lines_.is_cut_off_by(line)
                ? session::fail(
                      fmt::format("not run, since it does not end with \";\": {}", printable(lines_.take())))

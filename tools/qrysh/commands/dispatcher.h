@@ -26,7 +26,8 @@ class dispatcher {
     // is answered with its last line.
     outcome run(std::string_view line);
 
-    // To be asked before a line is taken: refuses an unfinished statement where the line begins another.
+    // To be asked before a line is taken: answers a DELETE or UPDATE that waited for a WHERE which this line
+    // is not, and refuses an unfinished statement where the line begins another.
     outcome make_way_for(std::string_view line);
 
     // Answers the statement whose lines have ended without a semicolon.

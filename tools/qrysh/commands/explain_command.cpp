@@ -1,5 +1,6 @@
 // .explain: how a statement is understood.
 #include "tools/qrysh/commands/actions.h"
+#include "tools/text/diagnosis.h"
 #include "tools/text/explanation.h"
 #include "tools/text/statement_lines.h"
 #include "tools/text/statement_text.h"
@@ -12,7 +13,9 @@ outcome explain_statement(session &shell, const std::string &sql) {
     try {
         const explanation found = explain(shell.database(), statement);
         if (found.code != 0) {
-            return shell.report(statement, found.code);
+            const trace_log::pause quiet(shell.traces());
+            return shell.complain(statement, found.code,
+                                  diagnose(shell.database(), statement, found.code, shell.traces().lines()));
         }
         shell.show(list_facts(found));
         return outcome::done;

@@ -3,20 +3,21 @@
 
 #include <qrylib/types.h>
 
-#include <new>
+#include <algorithm>
 
 #include <fmt/format.h>
 
 #include "platform/host/qryhost.h"
 #include "tools/qrysh/commands/command_table.h"
 #include "tools/qrysh/printing/output.h"
+#include "tools/text/clauses.h"
 #include "tools/text/code_text.h"
 #include "tools/text/diagnosis.h"
 #include "tools/text/engine.h"
 #include "tools/text/meter.h"
 #include "tools/text/near_match.h"
 #include "tools/text/schema.h"
-#include "tools/text/statement_text.h"
+#include "tools/text/statement_lines.h"
 #include "tools/text/text.h"
 #include "tools/text/trace_explainer.h"
 
@@ -30,6 +31,15 @@ void print_finding(void * /*context*/, int is_damage, const char *text) {
     print(fmt::format("{}: {}\n", is_damage != 0 ? "damage" : "note", printable(text)));
 }
 
+// What the rules or the grammar of INSERT and UPDATE refused.
+outcome refuse(const std::string &sql, const statement_report &report) {
+    const finding &place = *report.refusal;
+    session::fail(report.notes.empty() ? fmt::format("at character {}: {}", place.place + 1, place.sentence)
+                                       : "not run: a note stands against it, and the shell is strict");
+    say(point_at(sql, {place.place, std::max<std::size_t>(place.length, 1), ""}));
+    return outcome::failed;
+}
+
 outcome report_host(int result) {
     return result == 0 ? outcome::done : session::fail(qryhost_error());
 }
@@ -40,41 +50,57 @@ outcome session::run_statement(const std::string &sql) {
     if (settings_.readonly && kind_of(sql) != statement_kind::select) {
         return fail("only SELECT may run: the shell was started with --readonly");
     }
-    traces_.clear();
-    try {
-        return run_and_show(sql);
-    } catch (const syntax_error &error) {
-        fail(error.what());
-        say(point_at(sql, {error.place() - 1, 1, ""}));
-        return outcome::failed;
-    } catch (const std::bad_alloc &) { // the statement's record could not be built
-        return report(sql, QRY_LIB_NO_MEMORY);
+    if (takes_every_record(sql)) {
+        if (settings_.asks) {
+            return run_when_sure(sql);
+        }
+        if (settings_.safe_updates) {
+            return fail(
+                "this takes every record, and says not which: the shell was started with --safe-updates");
+        }
     }
+    return run_at_once(sql);
 }
 
-outcome session::run_and_show(const std::string &sql) {
-    const meter cost;
-    const reply answer = execute(database_, sql);
-    const std::string spent =
-        settings_.timer ? describe_cost(cost.spent(), answer.rows ? answer.rows->rows.size() : 0) : "";
-    if (answer.code != QRY_LIB_OK) {
-        report(sql, answer.code);
-    } else if (answer.rows) {
-        show(*answer.rows);
+// A paste brings the next line as the answer: it may be the WHERE that was meant to go on with the statement.
+outcome session::run_when_sure(const std::string &sql) {
+    const std::string typed = ask("this takes every record; type yes to go on: ");
+    if (begins_condition(typed)) {
+        return run_statement(fmt::format("{} {}", sql, trim(without_semicolon(typed))));
+    }
+    return typed == "yes" ? run_at_once(sql) : fail("not run");
+}
+
+outcome session::run_at_once(const std::string &sql) {
+    return tell(sql, qrytext::run_statement(database_, sql, {false, settings_.strict}, traces_));
+}
+
+outcome session::tell(const std::string &sql, const statement_report &report) {
+    for (const note &one : report.notes) {
+        say(fmt::format("note: {}{}{}\n", one.text, one.hint.empty() ? "" : "; ", one.hint));
+    }
+    if (!report.reached_library) {
+        return refuse(sql, report);
+    }
+    if (!report.ok) {
+        complain(sql, report.code, report.refusal);
+    } else if (report.rows) {
+        show(*report.rows);
     } else if (is_for_people(settings_.mode)) {
         say("ok\n");
     }
-    say(spent);
-    return answer.code == QRY_LIB_OK ? outcome::done : outcome::failed;
+    if (settings_.timer) {
+        say(describe_cost(report.spent, report.rows ? report.rows->rows.size() : 0));
+    }
+    return report.ok ? outcome::done : outcome::failed;
 }
 
-outcome session::report(const std::string &sql, std::uint32_t code) {
+outcome session::complain(const std::string &sql, std::uint32_t code, std::optional<finding> place) {
     fail(describe_code(code));
     if (!traces_.is_printing()) {
         say(explain_failure(traces_.lines()));
     }
-    const trace_log::pause quiet(traces_);
-    if (std::optional<finding> place = diagnose(database_, sql, code, traces_.lines())) {
+    if (place) {
         if (place->is_unknown) {
             place->sentence += did_you_mean('.' + sql.substr(place->place, place->length), command_names());
         }

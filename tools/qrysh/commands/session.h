@@ -8,6 +8,7 @@
 
 #include "tools/qrysh/printing/trace_log.h"
 #include "tools/text/printers.h"
+#include "tools/text/statement_report.h"
 
 namespace qrysh {
 
@@ -17,10 +18,13 @@ enum class outcome { done, failed, quit };
 
 struct settings {
     output_mode mode = output_mode::table;
-    bool echo = false;     // print each line above its answer
-    bool timer = false;    // print what each statement cost
-    bool readonly = false; // refuse whatever changes records
-    bool safe = false;     // refuse commands that touch files
+    bool echo = false;         // print each line above its answer
+    bool timer = false;        // print what each statement cost
+    bool readonly = false;     // refuse whatever changes records
+    bool safe = false;         // refuse commands that touch files
+    bool strict = false;       // refuse statements that get a note
+    bool safe_updates = false; // refuse DELETE, DROP and UPDATE of every record where nobody can be asked
+    bool asks = false;         // somebody at a terminal can be asked
 };
 
 // Answers go to standard output; codes, complaints, traces and all else to standard error. Both are written
@@ -54,10 +58,12 @@ class session {
     static outcome fail(std::string_view sentence);
 
     // Prints the complaint about a refused statement: the code, the trace points, the place in the text.
-    outcome report(const std::string &sql, std::uint32_t code);
+    outcome complain(const std::string &sql, std::uint32_t code, std::optional<finding> place);
 
   private:
-    outcome run_and_show(const std::string &sql);
+    outcome run_when_sure(const std::string &sql);
+    outcome run_at_once(const std::string &sql);
+    outcome tell(const std::string &sql, const qrytext::statement_report &report);
 
     std::string database_ = "adbk_db";
     settings settings_;

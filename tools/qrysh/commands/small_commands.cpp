@@ -67,6 +67,9 @@ outcome switch_trace(session &shell, const std::string &word) {
 outcome switch_echo(session &shell, const std::string &word) {
     return switch_setting(word, [&](bool on) { shell.options().echo = on; });
 }
+outcome switch_strict(session &shell, const std::string &word) {
+    return switch_setting(word, [&](bool on) { shell.options().strict = on; });
+}
 outcome switch_timer(session &shell, const std::string &word) {
     return switch_setting(word, [&](bool on) { shell.options().timer = on; });
 }

@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <system_error>
 
 #include <fmt/format.h>
@@ -65,6 +66,17 @@ void present(const std::string &text) {
 
 bool output_is_terminal() {
     return isatty(STDOUT_FILENO) != 0;
+}
+
+bool input_is_terminal() {
+    return isatty(STDIN_FILENO) != 0;
+}
+
+std::string ask(std::string_view question) {
+    say(question);
+    std::string line;
+    std::getline(std::cin, line);
+    return line;
 }
 
 progress::progress(std::string_view what, std::size_t total)

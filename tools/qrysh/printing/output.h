@@ -17,6 +17,10 @@ void say(std::string_view text);
 void present(const std::string &text);
 
 bool output_is_terminal();
+bool input_is_terminal();
+
+// A line typed in answer to a question on standard error; empty at the end of standard input.
+std::string ask(std::string_view question);
 
 // A line on standard error that counts up while long work runs; shown on a terminal alone.
 class progress {
