@@ -1,6 +1,4 @@
 // Four writing and four reading processes on one device image, and processes that are killed.
-#include <sys/syscall.h>
-
 #include <chrono>
 #include <thread>
 
@@ -81,13 +79,6 @@ TEST_F(processes, keep_every_invariant) {
     ASSERT_EQ(qryhost_open(path.c_str()), 0) << qryhost_error();
     check_workload();
     expect_no_damage();
-}
-
-// Under emulation the system does not tell of a lock whose holder died.
-bool dead_holders_are_told() {
-    void *head = nullptr;
-    std::size_t length = 0;
-    return syscall(SYS_get_robust_list, 0, &head, &length) == 0;
 }
 
 int kill_rounds() {

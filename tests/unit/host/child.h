@@ -3,6 +3,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -57,6 +58,13 @@ class child_process {
   private:
     pid_t id_ = -1;
 };
+
+// Under emulation the system does not tell of a lock whose holder died.
+inline bool dead_holders_are_told() {
+    void *head = nullptr;
+    std::size_t length = 0;
+    return syscall(SYS_get_robust_list, 0, &head, &length) == 0;
+}
 
 template <typename Work>
 bool in_child(Work work) {
