@@ -13,7 +13,7 @@
  *    before goes on receiving the lines of statements that run.
  * 6. Statements run through the functions that libqrylib.so.1 exports.
  *
- * @since 1.1
+ * @since 1.3
  */
 #ifndef QRYTEXT_QRYTEXT_H
 #define QRYTEXT_QRYTEXT_H

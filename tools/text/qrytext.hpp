@@ -2,7 +2,7 @@
  * @file
  * The companion for C++17 callers: what to change in a statement that the library refused.
  *
- * @since 1.1
+ * @since 1.3
  */
 #ifndef QRYTEXT_QRYTEXT_HPP
 #define QRYTEXT_QRYTEXT_HPP
