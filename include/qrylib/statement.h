@@ -151,7 +151,7 @@ QRY_LIB_API void qry_lib_db_stmt_set_where_equal_int(qry_lib_db_stmt_ *stmt, con
  *
  * @param stmt      the statement
  * @param col_name  the column; the finished text must fit 255 characters
- * @param value     the number; 2147483648 and above is written as its negative counterpart, which compares
+ * @param value     the number; 2147483648 and above is written as its negative counterpart, and compares
  * alike
  */
 QRY_LIB_API void qry_lib_db_stmt_set_where_equal_ulong(qry_lib_db_stmt_ *stmt, const char *col_name,

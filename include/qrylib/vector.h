@@ -36,8 +36,7 @@ typedef struct {
  * Makes an empty vector, to be given back with qry_lib_vector_free().
  *
  * @param elem_size  bytes of an element
- * @param capacity   elements that it has room for, but at least 10; room grows by that number each time it
- * runs out
+ * @param capacity   elements that it has room for, but at least 10; room that runs out grows by that number
  * @param vector     the vector; on failure it stays as it was
  * @return 0, 1 or 0x102 as above
  */

@@ -55,8 +55,7 @@ void replace_where(const char *function, qry_lib_db_stmt_ *stmt, const char *tex
         trace_return(function, __LINE__, QRY_LIB_INVALID_ARGUMENT);
         return;
     }
-    // An earlier condition's block takes the new text, or is given back where the earlier text is the
-    // shorter.
+    // An earlier condition's block takes the new text, or is given back where its own is shorter.
     const std::size_t size = static_cast<std::size_t>(length) + 1;
     if (stmt->where_phrase != nullptr && std::strlen(stmt->where_phrase) + 1 >= size) {
         std::memcpy(stmt->where_phrase, text, size);
@@ -83,8 +82,7 @@ void qry_lib_db_wrapper_stmt_init(qry_lib_db_stmt_ *stmt) {
 }
 
 std::uint32_t qry_lib_db_wrapper_get_stmt(const char *db_name, qry_lib_db_stmt_ *stmt) {
-    // A refused record is initialised too: the setters and the end of a statement take its pointers for
-    // blocks.
+    // A refused record is initialised too: setters and the end of a statement take its pointers for blocks.
     const bool is_named = db_name != nullptr && fits(db_name, QRY_LIB_DB_NAME_MAX);
     if (stmt != nullptr) {
         qry_lib_db_wrapper_stmt_init(stmt);
@@ -201,8 +199,7 @@ void qry_lib_db_wrapper_stmt_set_where_phrase(qry_lib_db_stmt_ *stmt, const char
         trace_return(__func__, __LINE__, QRY_LIB_INVALID_ARGUMENT);
         return;
     }
-    // The block of an earlier phrase is lost, as callers are told: only the set_where_equal calls use it
-    // again.
+    // The block of an earlier phrase is lost, as callers are told: only set_where_equal calls use it again.
     if (store_text(stmt->where_phrase, text) != 0) {
         trace_return(__func__, __LINE__, QRY_LIB_NO_MEMORY);
     }

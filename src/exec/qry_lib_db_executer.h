@@ -62,10 +62,8 @@ class qry_lib_db_executer {
     int exec_select_proc(const qry_lib_analyze_info &info, record_list records, qry_lib_db_rowset_ &rowset);
     int add_standard_cols(qry_lib_analyze_info &info);
 
-    // ORDER BY (sort.cpp). A caller that gives its records up spares a copy of them. `count` is the byte size
-    // of the pointer array.
-    int sort_tbdb_table_id(const qry_lib_analyze_info &info, const record_list &records, record_list &sorted);
-    int sort_tbdb_table_id(const qry_lib_analyze_info &info, record_list &&records, record_list &sorted);
+    // ORDER BY (sort.cpp). `count` is the byte size of the pointer array.
+    int sort_tbdb_table_id(const qry_lib_analyze_info &info, record_list records, record_list &sorted);
     int sort_tbdb_table_id_internal(void **items, std::uint32_t count, QRY_LIB_ODER_TYPE order,
                                     QRY_LIB_ELEMENT_INFO element, record_list records, record_list &sorted);
     int sort_internal(void **items, std::uint32_t count, QRY_LIB_ODER_TYPE order, char *block,

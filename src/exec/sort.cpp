@@ -32,12 +32,7 @@ constexpr compare_kind_row compare_kinds[] = {
 
 } // namespace
 
-int qry_lib_db_executer::sort_tbdb_table_id(const qry_lib_analyze_info &info, const record_list &records,
-                                            record_list &sorted) {
-    return sort_tbdb_table_id(info, record_list(records), sorted);
-}
-
-int qry_lib_db_executer::sort_tbdb_table_id(const qry_lib_analyze_info &info, record_list &&records,
+int qry_lib_db_executer::sort_tbdb_table_id(const qry_lib_analyze_info &info, record_list records,
                                             record_list &sorted) {
     char column[QRY_LIB_COLUMN_NAME_MAX + 1];
     QRY_LIB_ODER_TYPE order;

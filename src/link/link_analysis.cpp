@@ -1,5 +1,7 @@
 // A SELECT over several tables becomes one query for each table and the conditions that join them.
 #include <algorithm>
+#include <cstring>
+#include <numeric>
 #include <set>
 #include <string>
 
@@ -30,31 +32,45 @@ bool split_reference(const qry_lib_sql_parser &parser, const char *text, column_
     return parser.trimmed(out.table) && parser.trimmed(out.column);
 }
 
-// Names and where each stands in a list, found without a look at all of them: a text may list 65,535 tables,
-// and name one in as many columns and conditions.
-class name_places {
+// Where each table stands in a list, found without a look at all of them: a text may list 65,535 tables, and
+// name one in as many columns and conditions. Refers to the names, which stay where they are.
+class table_places {
   public:
-    using place_set = std::set<std::pair<std::string, std::uint16_t>>;
+    void add(const char *name) { names_.push_back(name); }
 
-    void add(const char *name, std::uint16_t place) { places_.emplace(name, place); }
-    bool has(const std::string &name, std::uint16_t place) const { return places_.count({name, place}) != 0; }
-    std::size_t size() const { return places_.size(); }
+    // To be called once, behind the last name. Sorts on a heap: as quick as needed and short.
+    void close() {
+        order_.resize(names_.size());
+        std::iota(order_.begin(), order_.end(), std::uint16_t{0});
+        const auto before = [this](std::uint16_t a, std::uint16_t b) {
+            const int by_name = std::strcmp(names_[a], names_[b]);
+            return by_name != 0 ? by_name < 0 : a < b;
+        };
+        std::make_heap(order_.begin(), order_.end(), before);
+        std::sort_heap(order_.begin(), order_.end(), before);
+    }
 
-    // The places of one name, in ascending order; each is an entry's second half.
+    // The places of one name, in ascending order.
     struct range {
-        place_set::const_iterator first;
-        place_set::const_iterator last;
+        const std::uint16_t *first;
+        const std::uint16_t *last;
 
-        place_set::const_iterator begin() const { return first; }
-        place_set::const_iterator end() const { return last; }
+        const std::uint16_t *begin() const { return first; }
+        const std::uint16_t *end() const { return last; }
         bool empty() const { return first == last; }
     };
     range find(const std::string &name) const {
-        return {places_.lower_bound({name, 0}), places_.upper_bound({name, UINT16_MAX})};
+        const std::uint16_t *end = order_.data() + order_.size();
+        const std::uint16_t *first = std::partition_point(
+            order_.data(), end, [&](std::uint16_t place) { return name.compare(names_[place]) > 0; });
+        const std::uint16_t *last = std::partition_point(
+            first, end, [&](std::uint16_t place) { return name.compare(names_[place]) == 0; });
+        return {first, last};
     }
 
   private:
-    place_set places_;
+    std::vector<const char *> names_;
+    std::vector<std::uint16_t> order_; // by name, then by place
 };
 
 void name_side(QRY_LIB_COLUMN &side, const column_reference &reference) {
@@ -100,10 +116,11 @@ std::uint32_t qry_lib_sql_parser::set_link_select_cols(qry_lib_analyze_info &inf
     if (info.get_cols_num() == 0) {
         return QRY_LIB_NOT_ACCEPTED;
     }
-    name_places tables;
+    table_places tables;
     for (std::uint16_t t = 0; t < info.get_table_num(); ++t) {
-        tables.add(info.table_at(t), t);
+        tables.add(info.table_at(t));
     }
+    tables.close();
     for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
         const QRY_LIB_COLUMN *column = info.col_at(i);
         if (column == nullptr) {
@@ -113,17 +130,17 @@ std::uint32_t qry_lib_sql_parser::set_link_select_cols(qry_lib_analyze_info &inf
         if (!split_reference(*this, column->col_name, selected)) {
             return QRY_LIB_NOT_ACCEPTED;
         }
-        const name_places::range named = tables.find(selected.table);
+        const table_places::range named = tables.find(selected.table);
         if (named.empty()) {
             return refuse(__func__, 1705);
         }
-        for (const auto &entry : named) {
+        for (const std::uint16_t t : named) {
             // A table listed several times gets the column each time, beyond what 16 bits count.
             if (link_info.get_cols_num() == UINT16_MAX) {
                 return refuse(__func__, __LINE__);
             }
-            per_table[entry.second].add_cols(selected.table.c_str(), selected.column.c_str(), column->value,
-                                             QRY_LIB_COLUMN_TYPE_STR);
+            per_table[t].add_cols(selected.table.c_str(), selected.column.c_str(), column->value,
+                                  QRY_LIB_COLUMN_TYPE_STR);
             link_info.add_cols(selected.table.c_str(), selected.column.c_str());
         }
     }
@@ -158,9 +175,14 @@ class condition_splitter {
         : parser_(parser), info_(info), per_table_(per_table), link_info_(link_info) {
         std::uint16_t t = 0; // as many as the query counts
         for (const qry_lib_analyze_info &query : per_table) {
-            tables_.add(query.get_table(), t++);
+            tables_.add(query.get_table());
             condition_num_ += query.get_filter_cols_num();
+            for (std::uint16_t i = 0; i < query.get_cols_num(); ++i) {
+                columns_.emplace(query.col_at(i)->col_name, t);
+            }
+            ++t;
         }
+        tables_.close();
     }
 
     std::uint32_t take_over(std::uint16_t index, bool &is_join);
@@ -170,14 +192,16 @@ class condition_splitter {
     std::uint32_t add_comparison(const column_reference &compared, const QRY_LIB_CONDITION &filter);
     bool is_listed(const std::string &table) const;
     bool add_key_column(const column_reference &key);
-    void find_columns();
 
     const qry_lib_sql_parser &parser_;
     const qry_lib_analyze_info &info_;
     std::vector<qry_lib_analyze_info> &per_table_;
     qry_lib_analyze_link_info &link_info_;
-    name_places tables_;
-    name_places columns_; // of the queries, by the query's place; known once there is a join
+    using named_places = std::set<std::pair<std::string, std::uint16_t>>;
+
+    table_places tables_;
+    named_places columns_; // the distinct columns of each query, by the query's place
+    named_places keys_;    // the references that every query they name has as a column, at place 0
     std::size_t condition_num_ = 0;
 };
 
@@ -214,17 +238,16 @@ std::uint32_t condition_splitter::take_over(std::uint16_t index, bool &is_join) 
 std::uint32_t condition_splitter::add_comparison(const column_reference &compared,
                                                  const QRY_LIB_CONDITION &filter) {
     static constexpr char name[] = "set_link_filter_cols";
-    const name_places::range named = tables_.find(compared.table);
+    const table_places::range named = tables_.find(compared.table);
     if (named.empty()) {
         return refuse(name, filter.value_is_quoted != 0 ? 1806 : 1866);
     }
-    for (const auto &entry : named) {
+    for (const std::uint16_t t : named) {
         if (++condition_num_ > UINT16_MAX) {
             return refuse(name, __LINE__);
         }
-        per_table_[entry.second].add_filter_cols(compared.table.c_str(), compared.column.c_str(),
-                                                 filter.value.str_value, filter.operation, filter.join,
-                                                 filter.value_is_quoted);
+        per_table_[t].add_filter_cols(compared.table.c_str(), compared.column.c_str(), filter.value.str_value,
+                                      filter.operation, filter.join, filter.value_is_quoted);
     }
     return 0;
 }
@@ -285,31 +308,21 @@ bool condition_splitter::is_listed(const std::string &table) const {
 // The join keys come back from the per-table queries, whether or not the caller selected them. False when
 // there is no room for one more column.
 bool condition_splitter::add_key_column(const column_reference &key) {
-    if (columns_.size() == 0) {
-        find_columns();
+    if (!keys_.emplace(key.table + "." + key.column, std::uint16_t{0}).second) {
+        return true; // a table that is listed often need not be gone through for each join of the same
+                     // columns
     }
-    for (const auto &entry : tables_.find(key.table)) {
-        const std::uint16_t t = entry.second;
-        if (columns_.has(key.column, t)) {
+    for (const std::uint16_t t : tables_.find(key.table)) {
+        if (columns_.count({key.column, t}) != 0) {
             continue;
         }
         if (columns_.size() >= UINT16_MAX || per_table_[t].get_cols_num() == UINT16_MAX) {
             return false;
         }
         per_table_[t].add_empty_col(key.table.c_str(), key.column);
-        columns_.add(key.column.c_str(), t);
+        columns_.emplace(key.column, t);
     }
     return true;
-}
-
-void condition_splitter::find_columns() {
-    std::uint16_t t = 0;
-    for (const qry_lib_analyze_info &query : per_table_) {
-        for (std::uint16_t i = 0; i < query.get_cols_num(); ++i) {
-            columns_.add(query.col_at(i)->col_name, t);
-        }
-        ++t;
-    }
 }
 
 } // namespace

@@ -24,7 +24,7 @@ std::uint32_t qry_lib_analyze_link_info::get_analyze_info(std::uint16_t index,
     if (index >= get_analyze_info_num()) {
         return QRY_LIB_NO_SUCH_ITEM;
     }
-    out = qry_lib_analyze_info(analyze_infos_[index]); // smaller than the assignment of four lists
+    out = qry_lib_analyze_info(analyze_infos_[index]); // less code than assigning each list
     return 0;
 }
 

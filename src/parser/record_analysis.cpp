@@ -1,4 +1,6 @@
 // Statement records: what a caller built field by field becomes the same analyzed query that text becomes.
+#include <cstring>
+
 #include "parser/qry_lib_sql_parser.h"
 #include "util/bounded_text.h"
 #include "util/element_type.h"

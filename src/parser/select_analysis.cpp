@@ -1,4 +1,6 @@
 // SELECT text: its four clauses, the column and table lists, the sort phrase.
+#include <cstring>
+
 #include "parser/qry_lib_sql_parser.h"
 #include "parser/text_pieces.h"
 #include "util/bounded_text.h"
@@ -206,8 +208,7 @@ std::uint32_t qry_lib_sql_parser::analyze_sort(const char *sort_phrase, char *co
         std::memcpy(column, sort_phrase, std::strlen(sort_phrase) + 1);
         const std::uint32_t code = trim_space_front_rear(trim_both, column);
         if (code != 0 || column[0] == '\0') {
-            // A blank phrase is traced like a refusal and is none: the trim's 0 goes back, and the query runs
-            // unsorted.
+            // A blank phrase is traced like a refusal and is none: the trim's 0 goes back, nothing is sorted.
             return trace_return(__func__, 2203, code);
         }
         order = QRY_LIB_ODER_TYPE_ASC;

@@ -1,6 +1,5 @@
 // Statements that return no rows: CREATE INDEX, CREATE TABLE, DROP TABLE and DELETE FROM.
 #include "parser/qry_lib_sql_parser.h"
-#include "util/bounded_text.h"
 #include "util/pool_block.h"
 #include "util/trace.h"
 

@@ -1,7 +1,6 @@
 // The pieces of a text between the occurrences of a keyword.
 #pragma once
 
-#include <cstring>
 #include <string_view>
 
 namespace norvane {
@@ -10,27 +9,26 @@ namespace norvane {
 // empty ones included. The text must stay as it is meanwhile.
 class text_pieces {
   public:
-    text_pieces(const char *text, const char *keyword)
-        : rest_(text), keyword_(keyword), keyword_length_(std::strlen(keyword)) {}
+    text_pieces(std::string_view text, std::string_view keyword) : rest_(text), keyword_(keyword) {}
 
     // False behind the last piece.
     bool next(std::string_view &piece) {
-        if (rest_ == nullptr) {
+        if (at_end_) {
             return false;
         }
-        const char *at = std::strstr(rest_, keyword_);
-        piece = at == nullptr ? std::string_view(rest_)
-                              : std::string_view(rest_, static_cast<std::size_t>(at - rest_));
-        rest_ = at == nullptr ? nullptr : at + keyword_length_;
+        const std::size_t at = rest_.find(keyword_);
+        at_end_ = at == std::string_view::npos;
+        piece = rest_.substr(0, at);
+        rest_.remove_prefix(at_end_ ? rest_.size() : at + keyword_.size());
         return true;
     }
 
-    bool at_end() const { return rest_ == nullptr; }
+    bool at_end() const { return at_end_; }
 
   private:
-    const char *rest_; // null behind the last piece
-    const char *keyword_;
-    std::size_t keyword_length_;
+    std::string_view rest_; // behind the pieces read
+    std::string_view keyword_;
+    bool at_end_ = false;
 };
 
 } // namespace norvane

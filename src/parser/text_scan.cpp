@@ -96,8 +96,9 @@ std::uint32_t qry_lib_sql_parser::get_keyword_num(const char *text, const char *
     if (text == nullptr) {
         return 0;
     }
-    const std::size_t length = std::strlen(keyword);
-    for (const char *at = std::strstr(text, keyword); at != nullptr; at = std::strstr(at + length, keyword)) {
+    text_pieces pieces(text, keyword);
+    std::string_view piece;
+    for (pieces.next(piece); !pieces.at_end(); pieces.next(piece)) {
         ++count;
     }
     return 0;
@@ -264,14 +265,12 @@ int qry_lib_sql_parser::get_is_col_name(unsigned short index, std::string name,
     }
     const qry_lib_analyze_info &info = infos[index];
     for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
-        char col[QRY_LIB_COLUMN_NAME_MAX + 1];
-        QRY_LIB_COLUMN_VALUE value;
-        QRY_LIB_COLUMN_TYPE type;
-        if (const std::uint32_t code = info.get_cols(i, col, &value, type); code != 0) {
-            trace_return(__func__, 2107, code);
+        const QRY_LIB_COLUMN *column = info.col_at(i);
+        if (column == nullptr) {
+            trace_return(__func__, 2107, QRY_LIB_NO_SUCH_ITEM);
             return 0;
         }
-        if (name == col) {
+        if (name == column->col_name) {
             return 1;
         }
     }

@@ -3,7 +3,6 @@
 
 #include "parser/qry_lib_sql_parser.h"
 #include "parser/text_pieces.h"
-#include "util/bounded_text.h"
 #include "util/pool_block.h"
 #include "util/trace.h"
 

@@ -65,11 +65,17 @@ inline std::uint32_t load_number(const void *from, std::uint32_t width) {
 inline void store_number(void *to, std::uint32_t width, std::uint32_t number) {
     const auto one = static_cast<std::uint8_t>(number);
     const auto two = static_cast<std::uint16_t>(number);
-    copy_number(to,
-                width == 1   ? static_cast<const void *>(&one)
-                : width == 2 ? static_cast<const void *>(&two)
-                             : &number,
-                width);
+    switch (width) {
+    case 1:
+        std::memcpy(to, &one, 1);
+        break;
+    case 2:
+        std::memcpy(to, &two, 2);
+        break;
+    default:
+        std::memcpy(to, &number, 4);
+        break;
+    }
 }
 
 } // namespace norvane

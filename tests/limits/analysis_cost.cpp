@@ -17,6 +17,7 @@ const std::map<std::string, std::string (*)(unsigned)> kinds = {
     {"tables", limits::joined_tables},
     {"conditions", limits::compared_tables},
     {"keys", limits::join_keys},
+    {"listed", limits::one_table},
 };
 
 // Accepted by both steps.
@@ -46,7 +47,7 @@ const std::map<std::string, bool (*)(const char *)> ways = {{"analyse", analyse}
 
 int main(int argc, char **argv) {
     if (argc != 4 || ways.count(argv[1]) == 0 || kinds.count(argv[2]) == 0) {
-        std::fputs("usage: analysis_cost analyse|run tables|conditions|keys NUM\n", stderr);
+        std::fputs("usage: analysis_cost analyse|run tables|conditions|keys|listed NUM\n", stderr);
         return 2;
     }
     const auto num = static_cast<unsigned>(std::strtoul(argv[3], nullptr, 10));

@@ -36,6 +36,8 @@ analyse conditions 180
 analyse conditions 730
 analyse keys 590
 analyse keys 2350
+analyse listed 1000
+analyse listed 4000
 run tables 1960
 run conditions 730
 run keys 2350

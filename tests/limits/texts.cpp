@@ -45,4 +45,9 @@ std::string join_keys(unsigned num) {
            });
 }
 
+std::string one_table(unsigned num) {
+    return "SELECT T.A FROM " + listed(num, ",", [](unsigned) { return "T"; }) + " WHERE " +
+           listed(num, " AND ", [](unsigned) { return "T.A = T.A"; });
+}
+
 } // namespace limits

@@ -39,4 +39,7 @@ std::string compared_tables(unsigned num);
 // Two tables, joined by as many columns.
 std::string join_keys(unsigned num);
 
+// One table, listed and joined to itself as often.
+std::string one_table(unsigned num);
+
 } // namespace limits
