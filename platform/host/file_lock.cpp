@@ -4,10 +4,11 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
-#include <cinttypes>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 #include "platform/host/wait_limit.h"
 
@@ -28,24 +29,27 @@ struct flock range_of(off_t byte, short kind) {
     return range;
 }
 
-// Whether a line of /proc/PID/fdinfo/FILE tells of a lock on the byte of the file: "lock:", a number, two
-// words, READ or WRITE, a process, the device and file number, the first byte, the last byte or EOF.
-bool tells_of_lock(const std::string &line, const struct stat &file, off_t byte) {
-    unsigned major_number = 0;
-    unsigned minor_number = 0;
-    std::uintmax_t file_number = 0;
-    std::intmax_t first = 0;
-    char last[24] = "";
-    if (std::sscanf(line.c_str(), "lock: %*s %*s %*s %*s %*s %x:%x:%" SCNuMAX " %" SCNdMAX " %23s",
-                    &major_number, &minor_number, &file_number, &first, last) != 5) {
-        return false;
-    }
-    const bool ends_before = std::string(last) != "EOF" && std::strtoll(last, nullptr, 10) < byte;
-    return major_number == major(file.st_dev) && minor_number == minor(file.st_dev) &&
-           file_number == file.st_ino && first <= byte && !ends_before;
+// How /proc names a file: its device's numbers and its own.
+std::string proc_name(const struct stat &file) {
+    char device[32];
+    static_cast<void>(
+        std::snprintf(device, sizeof device, "%02x:%02x:", major(file.st_dev), minor(file.st_dev)));
+    return device + std::to_string(file.st_ino);
 }
 
-bool has_lock(const fs::path &process, const struct stat &file, off_t byte) {
+// Whether a line of /proc/PID/fdinfo/FILE tells of a lock on the byte of the file: "lock:", a number, two
+// words, READ or WRITE, a process, the file, the first byte, the last byte or EOF.
+bool tells_of_lock(const std::string &line, const std::string &file, off_t byte) {
+    std::istringstream words(line);
+    std::string word[9];
+    for (std::string &one : word) {
+        words >> one;
+    }
+    return word[0] == "lock:" && word[6] == file && std::strtoll(word[7].c_str(), nullptr, 10) <= byte &&
+           (word[8] == "EOF" || std::strtoll(word[8].c_str(), nullptr, 10) >= byte);
+}
+
+bool has_lock(const fs::path &process, const std::string &file, off_t byte) {
     std::error_code ignored;
     for (const fs::directory_entry &entry : fs::directory_iterator(process / "fdinfo", ignored)) {
         std::ifstream lines(entry.path());
@@ -67,7 +71,7 @@ std::string holder_of(const open_file &opened, off_t byte) {
         for (const fs::directory_entry &entry : fs::directory_iterator("/proc", ignored)) {
             const std::string name = entry.path().filename();
             const bool is_process = name.find_first_not_of("0123456789") == std::string::npos;
-            if (is_process && has_lock(entry.path(), file, byte)) {
+            if (is_process && has_lock(entry.path(), proc_name(file), byte)) {
                 return "process " + name;
             }
         }

@@ -132,7 +132,8 @@ store_memory open_image_for_reading(const std::string &path) {
     if (!file.is_open()) {
         fail(path, "cannot be opened");
     }
-    return map_for_reading(path, std::move(file), check_image(path, file));
+    const image_use use = check_image(path, file);
+    return map_for_reading(path, std::move(file), use);
 }
 
 } // namespace qryhost

@@ -35,7 +35,7 @@ void learn_own_process() noexcept {
 }
 
 std::string describe_process(std::uint32_t number, std::uint32_t space) {
-    const std::string name = "process " + std::to_string(number);
+    std::string name = "process " + std::to_string(number);
     if (space != own_process.space.load(std::memory_order_relaxed)) {
         return name + " of another process-number namespace, which cannot be seen from here";
     }
