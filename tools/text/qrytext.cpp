@@ -161,9 +161,11 @@ std::string export_rows(const qrytext_session *session, const char *format) {
     return text_answer(true, form->format(*session->last_rows));
 }
 
-// "place: sentence", as the workstation refuses a fixture.
+// "the text: place: sentence", as the workstation refuses a fixture's text.
 std::string tell_refused_fixture(std::string_view complaint) {
     constexpr std::string_view between = ": ";
+    constexpr std::string_view source = "the text: ";
+    complaint.remove_prefix(complaint.substr(0, source.size()) == source ? source.size() : 0);
     const std::size_t end = complaint.find(between);
     return end == std::string_view::npos
                ? load_answer(false, complaint, "")
