@@ -5,7 +5,13 @@
 
 #include <string_view>
 
+#include <fmt/format.h>
+
+#include "tools/text/engine.h"
+#include "tools/text/foreign_words.h"
+#include "tools/text/schema.h"
 #include "tools/text/statement_lines.h"
+#include "tools/text/statement_text.h"
 #include "tools/text/text.h"
 
 namespace qrytext {
@@ -25,6 +31,19 @@ std::optional<finding> at_semicolon(const std::string &sql) {
     return finding{place, 1, "a line holds one statement and nothing behind it"};
 }
 
+// A device may keep no records of a table at all.
+std::optional<finding> no_room(const std::string &db_name, const std::string &sql) {
+    if (kind_of(sql) != statement_kind::write_record) {
+        return std::nullopt;
+    }
+    const std::string table = parse_write_statement(sql).table;
+    if (table_capacity(db_name, table) > 0) {
+        return std::nullopt;
+    }
+    return finding{find_word(sql, table).value_or(0), table.size(),
+                   fmt::format("this device keeps no {} records", table)};
+}
+
 } // namespace
 
 std::optional<finding> diagnose(const std::string &db_name, const std::string &sql, std::uint32_t code,
@@ -32,6 +51,12 @@ std::optional<finding> diagnose(const std::string &db_name, const std::string &s
     const bool may_be_a_name =
         code == QRY_LIB_NOT_ACCEPTED || code == QRY_LIB_INVALID_ARGUMENT || code == QRY_LIB_TABLE_ARGUMENT;
     if (std::optional<finding> place = may_be_a_name ? at_semicolon(sql) : std::nullopt) {
+        return place;
+    }
+    if (code == QRY_LIB_NO_FREE_ENTRY) {
+        return no_room(db_name, sql);
+    }
+    if (std::optional<finding> place = may_be_a_name ? find_foreign_word(sql) : std::nullopt) {
         return place;
     }
     if (code == QRY_LIB_NOT_ACCEPTED) {

@@ -8,6 +8,7 @@
 
 #include "tools/text/condition_fault.h"
 #include "tools/text/diagnosis.h"
+#include "tools/text/foreign_words.h"
 #include "tools/text/near_match.h"
 #include "tools/text/text.h"
 
@@ -43,6 +44,22 @@ std::optional<finding> not_in_capitals(const std::string &sql, std::string_view 
     return finding{*place, word.size(), fmt::format("keywords are upper case: write {}", word)};
 }
 
+// The word with the keyword's letters in another order: FORM for FROM.
+std::optional<finding> misspelt(const std::string &sql, std::string_view keyword) {
+    std::string letters(keyword);
+    std::sort(letters.begin(), letters.end());
+    for (std::size_t begin = 0; begin < sql.size();) {
+        const std::size_t end = std::min(sql.find(' ', begin), sql.size());
+        std::string word = in_capitals(std::string_view(sql).substr(begin, end - begin));
+        std::sort(word.begin(), word.end());
+        if (word == letters) {
+            return finding{begin, end - begin, fmt::format("expected {}", keyword)};
+        }
+        begin = end + 1;
+    }
+    return std::nullopt;
+}
+
 // The keyword must stand once.
 std::optional<finding> find_repeated(const std::string &sql, const refusal &row) {
     const std::vector<std::size_t> places = places_of(sql, row.word);
@@ -55,7 +72,23 @@ std::optional<finding> find_repeated(const std::string &sql, const refusal &row)
     if (std::optional<finding> lower = not_in_capitals(sql, row.word)) {
         return lower;
     }
+    if (std::optional<finding> word = misspelt(sql, row.word)) {
+        return word;
+    }
     return finding{sql.size(), 0, fmt::format("expected {}, once, between blanks", row.word)};
+}
+
+// FROM right behind SELECT shares its blank, and one at the very end has none behind it.
+std::optional<finding> at_from(const std::string &sql, const refusal &row) {
+    constexpr std::string_view without_columns = "SELECT FROM ";
+    if (const std::size_t place = sql.find(without_columns); place != std::string::npos) {
+        return finding{place + without_columns.size() - 1 - row.word.size(), row.word.size(),
+                       "expected columns before FROM"};
+    }
+    const std::string_view text = trim(sql);
+    const bool is_last =
+        text.size() > row.word.size() && text.substr(text.size() - row.word.size() - 1) == " FROM";
+    return is_last ? finding{sql.size(), 0, "expected a table"} : find_repeated(sql, row);
 }
 
 std::optional<finding> at_keyword(const std::string &sql, const refusal &row) {
@@ -117,6 +150,9 @@ std::optional<finding> at_unknown_statement(const std::string &sql, const refusa
     if (near == in_capitals(word)) {
         return finding{begin, word.size(), fmt::format("keywords are upper case: write {}", near)};
     }
+    if (std::string advice = advice_for_verb(word); !advice.empty()) {
+        return finding{begin, word.size(), std::move(advice)};
+    }
     if (begins_clause(word)) {
         return finding{begin, word.size(),
                        "no statement begins so: the line before stood whole, and was answered"};
@@ -168,10 +204,16 @@ std::optional<finding> at_sign(const std::string &sql, const refusal &row) {
 }
 
 std::optional<finding> from_quote(const std::string &sql, const refusal &row) {
-    return in_condition(sql, row, [](std::string_view text) {
+    std::optional<finding> place = in_condition(sql, row, [](std::string_view text) {
         const std::size_t quote = text.find('\'');
         return text_span{quote, text.size() - std::min(quote, text.size())};
     });
+    const std::string_view rest =
+        std::string_view(sql).substr(place ? place->place + place->length : sql.size());
+    if (rest.substr(0, 5) == " AND " || rest.substr(0, 4) == " OR ") {
+        place->sentence += "; AND and OR divide conditions even inside quotes";
+    }
+    return place;
 }
 
 // IN as the parser finds it, and the word that it may be the beginning of.
@@ -206,7 +248,7 @@ constexpr std::string_view bad_item = "expected a value";
 constexpr refusal refusals[] = {
     {"divide_select_reserve_str", 936, find_repeated, "SELECT", ""},
     {"divide_select_reserve_str", 945, before_keyword, "SELECT", no_text_before},
-    {"divide_select_reserve_str", 957, find_repeated, "FROM", ""},
+    {"divide_select_reserve_str", 957, at_from, "FROM", ""},
     {"divide_select_reserve_str", 967, at_keyword, "FROM", "expected columns before FROM"},
     {"divide_select_reserve_str", 985, find_repeated, "ORDER", ""},
     {"divide_select_reserve_str", 985, find_repeated, "BY", ""},

@@ -70,6 +70,9 @@ found check_table(const std::string &db_name, const std::string &sql, const std:
     if (table_exists(db_name, table)) {
         return std::nullopt;
     }
+    if (table.find('\t') != std::string::npos) {
+        return point_at_name(sql, place_of(sql, " FROM "), table, "only blanks divide words, not tabs");
+    }
     if (found clause = check_clause_in_table(sql, table)) {
         return clause;
     }
@@ -85,6 +88,9 @@ const char *foreign_habit(const std::string &column) {
     }
     if (!column.empty() && column.back() == '<') {
         return "there is no <>: write !=";
+    }
+    if (!column.empty() && column.front() == '(') {
+        return "brackets group nothing: a condition is one list, joined all by AND or all by OR";
     }
     return column.find('\t') != std::string::npos ? "only blanks divide words, not tabs" : nullptr;
 }
