@@ -71,11 +71,20 @@ expect 1 $'COUNT(\\*)\r\n10\r' 'note: *error: not run: a note stands against it*
 expect 1 $'COUNT(\\*)\r\n10\r' '*error: not run*' --fixture "$fixture" --mode csv -c '.strict on' "$dropped" "$count"
 expect 0 $'COUNT(\\*)\r\n9\r' 'note: *' --fixture "$fixture" --mode csv --strict -c '.strict off' "$dropped" "$count"
 
+# What was changed is counted, what failed half-way included.
+insert_again="INSERT INTO PSN_TBL (PSN_ID, PSN_NAME) VALUES (5, 'Other')"
+expect 0 '' $'1 record replaced (key 5 was in use)' --fixture "$fixture" "$insert_again"
+expect 0 '' $'1 record deleted\n1 record added' --fixture "$fixture" 'DELETE FROM PSN_TBL WHERE PSN_ID = 5' "$insert_again"
+expect 0 '' '10 records changed; 10 now have the same key' --fixture "$fixture" 'UPDATE PSN_TBL SET PSN_ID = 3;'
+expect 0 '' '0 records deleted' --fixture "$fixture" 'DELETE FROM PSN_TBL WHERE PSN_ID = 99'
+expect 0 '' '10 records deleted' --fixture "$fixture" 'DROP TABLE PSN_TBL'
+expect 1 '' '*before this failed: 2 records deleted' --fixture "$fixture" -c '.fault init_table 2 1 0x5243' 'DELETE FROM PSN_TBL;'
+
 # Scripts may be kept from changing every record.
 for change in 'DELETE FROM PSN_TBL' 'DROP TABLE PSN_TBL;' 'UPDATE PSN_TBL SET INTEG_ID = 1'; do
     expect 1 '' 'error: this takes every record*--safe-updates' --safe-updates --fixture "$fixture" "$change"
 done
-expect 0 '' 'ok' --safe-updates --fixture "$fixture" 'DELETE FROM PSN_TBL WHERE PSN_ID = 1'
+expect 0 '' '1 record deleted' --safe-updates --fixture "$fixture" 'DELETE FROM PSN_TBL WHERE PSN_ID = 1'
 
 # What is asked for may be refused as a whole.
 expect 1 '' 'error: only SELECT may run*' --readonly 'DELETE FROM PSN_TBL'
@@ -114,7 +123,7 @@ expect 0 '[0-9]*.[0-9]*.[0-9]*' '' --version
 # Device images: created, shared by later runs and by shells at once, examined, refused.
 insert="INSERT INTO PSN_TBL (PSN_ID, PSN_NAME) VALUES (4, 'Ito')"
 name='SELECT PSN_NAME FROM PSN_TBL'
-expect 0 '' ok device.img "$insert"
+expect 0 '' '1 record added' device.img "$insert"
 expect 0 $'PSN_NAME\r\nIto\r' '' --mode csv ./device.img "$name"
 expect 0 $'PSN_NAME\r\nIto\r' '' --mode csv --image device.img "$name"
 expect 0 $'PSN_NAME\r' '' --mode csv "$name"
@@ -133,7 +142,7 @@ coproc waiting { "${qrysh[@]}" --mode csv device.img 2>&1; }
 echo "$name" >&"${waiting[1]}"
 read -r -u "${waiting[0]}" _
 read -r -u "${waiting[0]}" before
-expect 0 '' ok device.img "UPDATE PSN_TBL SET PSN_NAME = 'Mori' WHERE PSN_ID = 4"
+expect 0 '' '1 record changed' device.img "UPDATE PSN_TBL SET PSN_NAME = 'Mori' WHERE PSN_ID = 4"
 echo "$name" >&"${waiting[1]}"
 read -r -u "${waiting[0]}" _
 read -r -u "${waiting[0]}" after

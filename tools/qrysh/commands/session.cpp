@@ -10,6 +10,7 @@
 #include "platform/host/qryhost.h"
 #include "tools/qrysh/commands/command_table.h"
 #include "tools/qrysh/printing/output.h"
+#include "tools/text/change_text.h"
 #include "tools/text/clauses.h"
 #include "tools/text/code_text.h"
 #include "tools/text/diagnosis.h"
@@ -84,15 +85,24 @@ outcome session::tell(const std::string &sql, const statement_report &report) {
     }
     if (!report.ok) {
         complain(sql, report.code, report.refusal);
+        tell_written(sql, report);
     } else if (report.rows) {
         show(*report.rows);
     } else if (is_for_people(settings_.mode)) {
-        say("ok\n");
+        const std::string changes = describe_changes(database_, sql, report);
+        say(fmt::format("{}\n", changes.empty() ? "ok" : changes));
     }
     if (settings_.timer) {
         say(describe_cost(report.spent, report.rows ? report.rows->rows.size() : 0));
     }
     return report.ok ? outcome::done : outcome::failed;
+}
+
+void session::tell_written(const std::string &sql, const statement_report &report) const {
+    const change_counts &changed = report.changed;
+    if (changed.added + changed.replaced + changed.changed + changed.deleted > 0) {
+        say(fmt::format("before this failed: {}\n", describe_changes(database_, sql, report)));
+    }
 }
 
 outcome session::complain(const std::string &sql, std::uint32_t code, std::optional<finding> place) {

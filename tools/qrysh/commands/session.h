@@ -63,6 +63,7 @@ class session {
   private:
     outcome run_when_sure(const std::string &sql);
     outcome run_at_once(const std::string &sql);
+    void tell_written(const std::string &sql, const qrytext::statement_report &report) const;
     outcome tell(const std::string &sql, const qrytext::statement_report &report);
 
     std::string database_ = "adbk_db";
