@@ -9,12 +9,6 @@
 
 namespace norvane {
 
-namespace {
-
-constexpr unsigned int count_max = UINT16_MAX;
-
-} // namespace
-
 std::uint32_t qry_lib_sql_parser::divide_select_reserve_str(const char *sql, std::string &cols,
                                                             std::string &tables, std::string &where,
                                                             std::string &order) const {
@@ -113,7 +107,7 @@ std::uint32_t qry_lib_sql_parser::set_select_tables(const std::string &tables,
     if (!can_divide(tables.c_str())) {
         return refuse(name, 172);
     }
-    if (comma_num >= count_max || (comma_num == 0 && tables.size() > QRY_LIB_TABLE_NAME_MAX)) {
+    if (comma_num >= UINT16_MAX || (comma_num == 0 && tables.size() > QRY_LIB_TABLE_NAME_MAX)) {
         return refuse(name, __LINE__);
     }
     if (comma_num == 0) {
@@ -159,7 +153,7 @@ std::uint32_t qry_lib_sql_parser::set_select_cols(const std::string &cols, bool 
     if (!can_divide(list.as<char>())) {
         return refuse(name, 269);
     }
-    if (comma_num >= count_max) {
+    if (comma_num >= UINT16_MAX) {
         return refuse(name, __LINE__);
     }
     info.expect_cols(comma_num + 1);

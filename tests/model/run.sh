@@ -46,7 +46,7 @@ expect_none() {
 
 expect_some() {
     check "$@"
-    echo "$1: found out, $(sed -n 's/^pan:1: //p' "$1/report" | head -1)"
+    echo "$1: found out, $(sed -n '/^pan:1: /{s///p;q}' "$1/report")"
     if [ "$errors" -eq 0 ]; then
         echo "$1: this change of the steps is not found out" >&2
         exit 1
