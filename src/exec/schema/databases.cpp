@@ -24,14 +24,15 @@ const char *name_of(const QRY_LIB_ELEMENT_DEF &column) {
 // Binary search by name over sorted rows; null when there is none. Bounds are signed, so that the search
 // stops at the lower end.
 template <typename Row>
-const Row *find_row(row_range<Row> range, const char *name) {
+const Row *find_row(const row_range<Row> &range, const char *name) {
+    const Row *const rows = range.begin();
     std::int32_t lower = 0;
     std::int32_t upper = static_cast<std::int32_t>(range.num) - 1;
     while (lower <= upper) {
         const std::int32_t middle = (lower + upper) / 2;
-        const int order = tb_strcmp(name, name_of(range.rows[middle]));
+        const int order = tb_strcmp(name, name_of(rows[middle]));
         if (order == 0) {
-            return &range.rows[middle];
+            return rows + middle;
         }
         if (order > 0) {
             lower = middle + 1;
