@@ -14,7 +14,7 @@ using fuzz::check;
 using fuzz::input;
 
 const QRY_LIB_TABLE_DEF &definition(const fuzz::table_name &wanted) {
-    const norvane::database_schema *database = norvane::find_database(wanted.database.c_str());
+    const norvane::database_schema *database = norvane::find_database(wanted.database);
     if (database != nullptr) {
         if (const QRY_LIB_TABLE_DEF *table = norvane::find_table(*database, wanted.table.c_str())) {
             return *table;
