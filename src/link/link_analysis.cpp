@@ -166,8 +166,8 @@ std::size_t number_of_joins(const qry_lib_analyze_info &info) {
 }
 
 // Takes the conditions of a linked query over, one by one: a join becomes a link, any other comparison goes
-// to the query of its table. What has been added is counted along the way, for a table listed several times
-// gets a column or a condition each time: beyond what 16 bits count, the text is not accepted.
+// to the query of its table. Conditions and distinct columns are counted over all queries along the way, for
+// a table listed several times gets one each time: beyond what 16 bits count, the text is not accepted.
 class condition_splitter {
   public:
     condition_splitter(const qry_lib_sql_parser &parser, const qry_lib_analyze_info &info,
@@ -308,9 +308,9 @@ bool condition_splitter::is_listed(const std::string &table) const {
 // The join keys come back from the per-table queries, whether or not the caller selected them. False when
 // there is no room for one more column.
 bool condition_splitter::add_key_column(const column_reference &key) {
+    // A table that is listed often need not be gone through for each join of the same column.
     if (!keys_.emplace(key.table + "." + key.column, std::uint16_t{0}).second) {
-        return true; // a table that is listed often need not be gone through for each join of the same
-                     // columns
+        return true;
     }
     for (const std::uint16_t t : tables_.find(key.table)) {
         if (columns_.count({key.column, t}) != 0) {
@@ -343,8 +343,7 @@ std::uint32_t qry_lib_sql_parser::set_link_filter_cols(qry_lib_analyze_info &inf
     for (std::uint16_t i = 0; i < info.get_filter_cols_num(); ++i) {
         bool is_join = false;
         if (const std::uint32_t code = splitter.take_over(i, is_join); code != 0) {
-            // A text that already names its joins shows what failed; any other lacks joins in the first
-            // place.
+            // A text that already names its joins shows what failed; any other lacks joins to begin with.
             return join_num >= joins_needed ? code : std::uint32_t{QRY_LIB_NOT_ACCEPTED};
         }
         join_num += is_join ? 1 : 0;
