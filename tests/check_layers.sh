@@ -37,6 +37,7 @@ tests/fault                 fault/ replaced_new\.h unit/ qrylib/ platform/
 tests/limits                limits/ replaced_new\.h link/ parser/ qrylib/ platform/[a-z_]*\.h
 tests/oracle                oracle/ qrylib/ exec/schema/ platform/
 tests/other_schema          unit/ exec/schema/
+tests/packages              qrytext/ qrylib/ platform/host/qryhost\.h
 tests/platform_calls        platform_calls/ unit/ exec/ link/ qrylib/ platform/[a-z_]*\.h
 tests/platform_check        platform_check/ tools/platform_check/ platform/
 tests/text                  qrytext/
