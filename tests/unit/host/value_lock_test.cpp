@@ -101,6 +101,7 @@ class value_locks : public host_test {
 TEST_F(value_locks, of_a_stopped_writer_keep_no_reader_waiting) {
     ASSERT_EQ(write('a'), 0u);
     child_process writer = stopped_writer();
+    qryhost_set_patience(600000);
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(read(), 'a');
     tbctListTable list{};
@@ -110,7 +111,7 @@ TEST_F(value_locks, of_a_stopped_writer_keep_no_reader_waiting) {
     EXPECT_EQ(value[0], 'a');
     EXPECT_EQ(tbctSTCDeleteListTable(&list, 0), 0u);
     EXPECT_EQ(qryhost_save(folder.file("saved.json").c_str()), 0) << qryhost_error();
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(8));
 }
 
 TEST_F(value_locks, of_a_stopped_writer_let_writers_wait_for_their_time) {
