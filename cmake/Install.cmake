@@ -12,6 +12,18 @@ if(QRYLIB_PLATFORM STREQUAL "host")
   install(FILES platform/host/qryhost.h DESTINATION ${QRYLIB_PLATFORM_INCLUDEDIR}/platform/host
           COMPONENT development)
 endif()
+
+# The libraries are installed beside each other and find each other there, and pkg-config's callers find them, under any
+# prefix. Under /usr the system looks by itself, and a path in a program would only be in its way; so it is on a device.
+set(QRYLIB_NAMES_ITS_FOLDER OFF)
+if(QRYLIB_PLATFORM STREQUAL "host" AND NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set(QRYLIB_NAMES_ITS_FOLDER ON)
+endif()
+set(QRYLIB_PC_SEARCH -Wl,-rpath-link,)
+if(QRYLIB_NAMES_ITS_FOLDER)
+  set(QRYLIB_PC_SEARCH -Wl,-rpath,)
+  set_target_properties(qrylib PROPERTIES INSTALL_RPATH "$ORIGIN")
+endif()
 install(TARGETS ${QRYLIB_INSTALLED_TARGETS} EXPORT qrylibTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
 
@@ -35,6 +47,9 @@ configure_file(cmake/qrylib.pc.in ${PROJECT_BINARY_DIR}/qrylib.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qrylib.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
 if(TARGET qrytext)
+  if(QRYLIB_NAMES_ITS_FOLDER)
+    set_target_properties(qrytext PROPERTIES INSTALL_RPATH "$ORIGIN")
+  endif()
   install(TARGETS qrytext EXPORT qrytextTargets
           LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT companion NAMELINK_COMPONENT companion_development)
   install(EXPORT qrytextTargets NAMESPACE qrylib:: DESTINATION ${QRYLIB_PACKAGE_DIR} COMPONENT companion_development)
@@ -50,6 +65,10 @@ if(TARGET qrytext)
 endif()
 
 if(TARGET qrysh)
+  if(QRYLIB_NAMES_ITS_FOLDER)
+    file(RELATIVE_PATH QRYLIB_BIN_TO_LIB /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${CMAKE_INSTALL_LIBDIR})
+    set_target_properties(qrysh PROPERTIES INSTALL_RPATH "$ORIGIN/${QRYLIB_BIN_TO_LIB}")
+  endif()
   install(TARGETS qrysh DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT shell)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/qrysh.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT shell)
   file(GLOB QRYLIB_MAN_PAGES CONFIGURE_DEPENDS docs/*.1)

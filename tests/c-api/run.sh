@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs a build into a scratch folder, then builds and runs callers in C99 and C++17 three ways: over what
-# CMake finds there, over what pkg-config finds there, and with the library's sources as part of their project.
+# CMake finds there, over what pkg-config finds there, and with the library's sources as part of their project. Nobody
+# tells the programs where the libraries lie: they start because the libraries and their callers name the folder.
 #
 # usage: run.sh BUILD SOURCES C_COMPILER C++_COMPILER FLAGS TOOLCHAIN_FILE [EMULATOR...]
 set -euo pipefail
@@ -14,6 +15,7 @@ emulator=("${@:7}")
 here=$sources/tests/c-api
 callers=$here/callers
 
+unset LD_LIBRARY_PATH
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 quietly() {
@@ -40,10 +42,20 @@ build_callers() {
 }
 
 quietly cmake --install "$build" --prefix "$scratch/usr"
-build_callers "$scratch/found" -DCMAKE_PREFIX_PATH="$scratch/usr" -DCMAKE_STAGING_PREFIX="$scratch/usr"
 PKG_CONFIG_PATH=$(dirname "$(find "$scratch/usr" -name qrylib.pc)")
 export PKG_CONFIG_PATH
-LD_LIBRARY_PATH=${PKG_CONFIG_PATH%/pkgconfig} run_callers "$scratch/found"
+libdir=${PKG_CONFIG_PATH%/pkgconfig}
+where=(-DCMAKE_PREFIX_PATH="$scratch/usr")
+# A cross build looks for packages below its root folders alone.
+[ -z "$toolchain" ] || where=(-Dqrylib_DIR="$libdir/cmake/qrylib")
+build_callers "$scratch/found" "${where[@]}"
+run_callers "$scratch/found"
+
+# An installation is complete in itself: its libraries and its shell find each other without the callers' help.
+for file in "$libdir"/libqrylib.so.1 "$libdir"/libqrytext.so.1 "$scratch"/usr/bin/qrysh; do
+    [ ! -e "$file" ] || [[ $(readelf -d "$file") == *'RUNPATH'*'[$ORIGIN'* ]] || { echo "$file names no folder" >&2; exit 1; }
+done
+[ ! -e "$scratch/usr/bin/qrysh" ] || "${emulator[@]}" "$scratch/usr/bin/qrysh" --version >/dev/null
 
 build_callers "$scratch/part" -DQRYLIB_SOURCE="$sources"
 run_callers "$scratch/part"
@@ -65,4 +77,4 @@ if [ -e "$PKG_CONFIG_PATH/qrytext.pc" ]; then
     "$c_compiler" -std=c99 -Wpedantic -Werror "${extra[@]}" "$sources/examples/companion.c" -o "$scratch/asked/companion" \
         "${companion[@]}"
 fi
-LD_LIBRARY_PATH=$(pkg-config --variable=libdir qrylib) run_callers "$scratch/asked"
+run_callers "$scratch/asked"
