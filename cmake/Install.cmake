@@ -32,7 +32,7 @@ install(DIRECTORY include/qrylib DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONE
 install(DIRECTORY platform/ DESTINATION ${QRYLIB_PLATFORM_INCLUDEDIR}/platform COMPONENT development
         FILES_MATCHING PATTERN "*.h" PATTERN "host" EXCLUDE)
 install(DIRECTORY docs/ DESTINATION ${QRYLIB_DOCDIR} COMPONENT development
-        FILES_MATCHING PATTERN "*.md" PATTERN "*.tsv")
+        FILES_MATCHING PATTERN "*.md" PATTERN "*.tsv" PATTERN "*.svg")
 install(FILES README.md DESTINATION ${QRYLIB_DOCDIR} COMPONENT development)
 install(FILES examples/people.c examples/people.cpp DESTINATION ${QRYLIB_DOCDIR}/examples COMPONENT development)
 
