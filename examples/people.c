@@ -1,5 +1,4 @@
-/* Writes three people into the address book, reads them back in order, and shows what a refusal looks like.
- */
+/* Writes three people into the address book, reads them back in order, and shows a refusal. */
 #include <inttypes.h>
 #include <stdio.h>
 
