@@ -26,7 +26,7 @@ tools/field                 tools/field/ qrytext/ qrylib/ platform/host/qryhost\
 tools/files                 tools/files/ qrytext/ qrylib/ platform/host/qryhost\.h
 python                      qrytext/ qrylib/ platform/host/qryhost\.h
 web                         qrytext/ qrylib/ platform/host/qryhost\.h
-examples                    qrytext/ qrylib/
+examples                    qrytext/ qrylib/ platform/host/qryhost\.h
 bench                       [a-z_]*\.h qrylib/ exec/ platform/
 fuzz                        fuzz/ tools/text/ qrytext/ qrylib/ exec/ parser/ platform/
 tests                       replaced_new\.h exec/schema/
