@@ -7,7 +7,7 @@ packages=(cmake ninja-build g++ pkg-config libgtest-dev libcli11-dev libfmt-dev 
     libutf8proc-dev libsqlite3-dev file dpkg-dev)
 if [ "${1:-}" != --build ]; then
     packages+=(libbenchmark-dev sqlite3 tmux mandoc doxygen clang clang-tidy cppcheck libclang-rt-dev
-        valgrind g++-powerpc-linux-gnu qemu-user abigail-tools gcovr python3 python3-jsonschema spin)
+        valgrind g++-powerpc-linux-gnu qemu-user abigail-tools gcovr python3 python3-jsonschema spin chromium)
 fi
 
 missing=()

@@ -241,6 +241,7 @@ class statement {
     }
 
   private:
+    /** @cond */
     struct c_statement {
         c_statement() noexcept { qry_lib_db_stmt_init(&record); }
         c_statement(const c_statement &) = delete;
@@ -249,6 +250,7 @@ class statement {
 
         qry_lib_db_stmt_ record;
     };
+    /** @endcond */
 
     /** The dialect writes a number above 2147483647 as its negative counterpart. */
     static std::string literal(const value &content) {

@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
-# The headers make a reference without a gap: doxygen warns of everything that has no comment, of arguments and
-# results that it does not name, and of names that it names wrongly.
+# The headers and pages make a reference without a gap: doxygen warns of everything that has no comment, of arguments and
+# results that it does not name, and of names that it names wrongly. Its links are alive, every function has an example, and
+# the manual pages lint clean.
 #
-# usage: check_reference.sh DOXYGEN ROOT OUTPUT
+# usage: check_reference.sh ROOT OUTPUT PYTHON MANDOC
 set -euo pipefail
-doxygen=$1
-output=$3
-cd "$2"
+root=$1
+output=$2
+python=$3
+mandoc=$4
 
-mkdir -p "$output"
-{
-    cat docs/Doxyfile
-    echo "OUTPUT_DIRECTORY = $output"
-} | "$doxygen" -
+"$root/scripts/reference.sh" "$output"
+"$python" -B "$root/tests/docs/check_html.py" "$output"
+"$mandoc" -Tlint -W warning "$output"/man/*.3
