@@ -1,5 +1,5 @@
-# What `cmake --install` installs, by component: the library and the platform that it was linked to; headers,
-# documents and what find_package and pkg-config need; the companion, and what its callers need; the shell.
+# What `cmake --install` installs, by component: the library and the platform that it was linked to; headers, two
+# examples and what find_package and pkg-config need; the companion, and what its callers need; the shell.
 include(CMakePackageConfigHelpers)
 
 set(QRYLIB_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/qrylib)
@@ -31,9 +31,6 @@ install(DIRECTORY include/qrylib DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONE
         FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
 install(DIRECTORY platform/ DESTINATION ${QRYLIB_PLATFORM_INCLUDEDIR}/platform COMPONENT development
         FILES_MATCHING PATTERN "*.h" PATTERN "host" EXCLUDE)
-install(DIRECTORY docs/ DESTINATION ${QRYLIB_DOCDIR} COMPONENT development
-        FILES_MATCHING PATTERN "*.md" PATTERN "*.tsv" PATTERN "*.svg")
-install(FILES README.md DESTINATION ${QRYLIB_DOCDIR} COMPONENT development)
 install(FILES examples/people.c examples/people.cpp DESTINATION ${QRYLIB_DOCDIR}/examples COMPONENT development)
 
 install(EXPORT qrylibTargets NAMESPACE qrylib:: DESTINATION ${QRYLIB_PACKAGE_DIR} COMPONENT development)

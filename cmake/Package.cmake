@@ -34,7 +34,8 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libqrylib-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libqrylib1 (= ${PROJECT_VERSION})")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
-    "SQL-like access to a device's element tables (development files)\nHeaders for C and C++, the platform contract, documents and examples.")
+    "SQL-like access to a device's element tables (development files)\nHeaders for C and C++, the platform contract and examples.")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libqrylib-doc)
 
 set(CPACK_DEBIAN_SHELL_PACKAGE_NAME qrysh)
 set(CPACK_DEBIAN_SHELL_PACKAGE_SECTION utils)
@@ -58,7 +59,16 @@ set(CPACK_DEBIAN_COMPANION_DEVELOPMENT_PACKAGE_DEPENDS
 set(CPACK_COMPONENT_COMPANION_DEVELOPMENT_DESCRIPTION
     "statements for a device's record stores, explained (development files)\nHeaders for C and C++, the schemas of the answers and an example.")
 
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME libqrylib-doc)
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SECTION doc)
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
+set(CPACK_COMPONENT_DOCUMENTATION_DESCRIPTION
+    "SQL-like access to a device's element tables (documentation)\nThe reference with all pages, the manual pages of the functions, and examples.")
+
 set(CPACK_COMPONENTS_ALL runtime development)
+if(QRYLIB_BUILD_REFERENCE)
+  list(APPEND CPACK_COMPONENTS_ALL documentation)
+endif()
 if(TARGET qrytext)
   list(APPEND CPACK_COMPONENTS_ALL companion companion_development)
 endif()

@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
-# Installs what the project needs from Debian's packages: all of it, or with --build only what the library, the shell and
-# their packages are built with. Quick and quiet when all is there.
+# Installs what the project needs from Debian's packages: all of it, or with --build only what the library and the shell are
+# built with, and what is named behind it. Quick and quiet when all is there.
 set -euo pipefail
 
 packages=(cmake ninja-build g++ pkg-config libgtest-dev libcli11-dev libfmt-dev nlohmann-json3-dev libedit-dev
     libutf8proc-dev libsqlite3-dev file dpkg-dev)
-if [ "${1:-}" != --build ]; then
+if [ "${1:-}" = --build ]; then
+    packages+=("${@:2}")
+else
     packages+=(libbenchmark-dev sqlite3 tmux mandoc doxygen clang clang-tidy cppcheck libclang-rt-dev
         valgrind g++-powerpc-linux-gnu qemu-user abigail-tools gcovr python3 python3-jsonschema spin chromium)
 fi

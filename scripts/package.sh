@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-scripts/install_packages.sh --build
+scripts/install_packages.sh --build doxygen python3
 packages=build/package/packages
 rm -rf "$packages"
 cmake --preset package >/dev/null

@@ -2,6 +2,7 @@
 function of the libraries and every class has an example; the manual pages name pages that are there.
 
 usage: check_html.py REFERENCE (the folder that scripts/reference.sh wrote)
+       check_html.py --links HTML (its pages alone, wherever they lie)
 """
 
 import re
@@ -110,16 +111,20 @@ def check_manuals(man, xml):
     return wrong + ([] if len(pages) > 100 else ["so few manual pages"])
 
 
-def main(folder):
-    folder = Path(folder).resolve()
+def check_reference(folder):
     html = folder / "html"
     wrong = check_links(html)
     wrong += check_examples(html, folder / "xml", folder / "input/examples")
     wrong += check_start(html, (folder / "input/version").read_text(encoding="utf-8"))
-    wrong += check_manuals(folder / "man", folder / "xml")
+    return wrong + check_manuals(folder / "man", folder / "xml")
+
+
+def main(arguments):
+    folder = Path(arguments[-1]).resolve()
+    wrong = check_links(folder) if arguments[0] == "--links" else check_reference(folder)
     print("\n".join(wrong), file=sys.stderr)
     return 1 if wrong else 0
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1]))
+    sys.exit(main(sys.argv[1:]))
