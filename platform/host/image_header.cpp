@@ -150,7 +150,7 @@ std::string how_to_carry_over(const std::string &path) {
            ": is a device image of the earlier format version, which is only read; carry its records over "
            "with "
            "qrysh --image " +
-           path + " -c '.save records.json' and qrysh --image NEW -c '.load records.json'";
+           path + " -c '.save records.json' and qrysh --new NEW -c '.load records.json'";
 }
 
 std::string of_bytes(std::uint64_t found, std::uint64_t expected) {

@@ -55,7 +55,11 @@ run_callers "$scratch/found"
 for file in "$libdir"/libqrylib.so.1 "$libdir"/libqrytext.so.1 "$scratch"/usr/bin/qrysh; do
     [ ! -e "$file" ] || [[ $(readelf -d "$file") == *'RUNPATH'*'[$ORIGIN'* ]] || { echo "$file names no folder" >&2; exit 1; }
 done
-[ ! -e "$scratch/usr/bin/qrysh" ] || "${emulator[@]}" "$scratch/usr/bin/qrysh" --version >/dev/null
+# The shell finds the sample device where it was installed.
+if [ -e "$scratch/usr/bin/qrysh" ]; then
+    count=$("${emulator[@]}" "$scratch/usr/bin/qrysh" --sample --mode csv 'SELECT COUNT(*) FROM PSN_TBL')
+    [ "$count" = $'COUNT(*)\r\n10\r' ] || { echo "the installed shell has no sample device" >&2; exit 1; }
+fi
 
 build_callers "$scratch/part" -DQRYLIB_SOURCE="$sources"
 run_callers "$scratch/part"

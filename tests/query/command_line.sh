@@ -120,10 +120,27 @@ if [ "$("${qrysh[@]}" --help | wc -l)" -gt 24 ] || [ "$("${qrysh[@]}" --help | w
 fi
 expect 0 '[0-9]*.[0-9]*.[0-9]*' '' --version
 
-# Device images: created, shared by later runs and by shells at once, examined, refused.
+# Device images: created where that is asked for and nowhere else, shared by later runs and by shells at once, examined,
+# refused.
 insert="INSERT INTO PSN_TBL (PSN_ID, PSN_NAME) VALUES (4, 'Ito')"
 name='SELECT PSN_NAME FROM PSN_TBL'
-expect 0 '' '1 record added' device.img "$insert"
+for choice in device.img ./device.img '--image device.img' '--readonly --image device.img'; do
+    # shellcheck disable=SC2086
+    expect 1 '' 'error: *device.img: is not there; --new creates an image' $choice "$insert"
+done
+expect 1 '' 'error: a new image is a change: *--readonly' --readonly --new device.img "$name"
+QRYLIB_IMAGE=device.img expect 1 '' 'error: device.img: is not there; *--readonly' --readonly "$name"
+if [ -e device.img ]; then
+    echo "a file was made that nobody asked for"
+    failures=$((failures + 1))
+fi
+expect 0 '' '1 record added' --new device.img "$insert"
+expect 1 '' 'error: device.img: is there already; --image opens it' --new device.img "$insert"
+expect 1 '' 'error: one device is opened: *' --new other.img --image device.img "$name"
+expect 1 '' 'error: one device is opened: *' --sample device.img "$name"
+expect 0 $'PSN_NAME\r\nIto\r' '' --readonly --mode csv --image device.img "$name"
+QRYLIB_IMAGE=own.img expect 0 '' '1 record added' "$insert"
+QRYLIB_IMAGE=own.img expect 0 $'PSN_NAME\r\nIto\r' '' --readonly --mode csv "$name"
 expect 0 $'PSN_NAME\r\nIto\r' '' --mode csv ./device.img "$name"
 expect 0 $'PSN_NAME\r\nIto\r' '' --mode csv --image device.img "$name"
 expect 0 $'PSN_NAME\r' '' --mode csv "$name"
@@ -136,6 +153,14 @@ expect 1 '' 'error: */err: is too short for a device image: *' "$PWD/err" "$name
 printf x | dd of=copied bs=1 seek=3 conv=notrunc status=none
 expect 1 '' 'error: copied: is no device image' copied "$name"
 expect 1 '' 'error: copied: is no device image' --check copied
+
+# The sample device is private memory unless a new image is to hold it; an image of the environment stays as it is.
+expect 0 $'COUNT(\\*)\r\n10\r' '' --sample --mode csv "$count"
+expect 0 '' '10 records deleted' --sample 'DROP TABLE PSN_TBL'
+QRYLIB_IMAGE=own.img expect 0 $'COUNT(\\*)\r\n10\r' '' --sample --mode csv "$count"
+expect 0 $'PSN_NAME\r\nIto\r' '' --mode csv own.img "$name"
+expect 0 $'COUNT(\\*)\r\n10\r' '' --sample --new office.img --mode csv "$count"
+expect 0 $'COUNT(\\*)\r\n10\r' '' --mode csv office.img "$count"
 
 # One shell stays open while another writes.
 coproc waiting { "${qrysh[@]}" --mode csv device.img 2>&1; }

@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "tools/qrysh/commands/command_completion.h"
+#include "tools/qrysh/commands/device.h"
 #include "tools/qrysh/commands/dispatcher.h"
 #include "tools/qrysh/commands/session.h"
 #include "tools/qrysh/options.h"
@@ -29,7 +30,7 @@ bool set_up(session &shell, const options &chosen) {
     set.strict = chosen.strict;
     set.safe_updates = chosen.safe_updates;
     set.asks = reads_terminal(chosen);
-    if (!chosen.image.empty() && shell.open(chosen.image) == outcome::failed) {
+    if (open_device(shell, {chosen.image, chosen.new_image, chosen.sample}) == outcome::failed) {
         return false;
     }
     if (chosen.trace) {

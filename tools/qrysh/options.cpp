@@ -24,24 +24,43 @@ bool names_image(const std::string &word) {
 }
 
 void take_image(options &chosen) {
-    if (chosen.image.empty() && !chosen.statements.empty() && names_image(chosen.statements.front())) {
+    const bool has_image = !chosen.image.empty() || !chosen.new_image.empty();
+    if (!has_image && !chosen.statements.empty() && names_image(chosen.statements.front())) {
         chosen.image = chosen.statements.front();
         chosen.statements.erase(chosen.statements.begin());
     }
 }
 
+// The help without blank lines, so that it fits on a screen.
+class dense_help : public CLI::Formatter {
+  public:
+    dense_help() { column_width(24); }
+
+    std::string make_help(const CLI::App *app, std::string /*name*/,
+                          CLI::AppFormatMode /*mode*/) const override {
+        std::string text = make_description(app);
+        for (const CLI::Option *option : app->get_options()) {
+            text += option->get_group().empty() ? "" : make_option(option, false);
+        }
+        return text + app->get_footer() + '\n';
+    }
+};
+
 } // namespace
 
 options parse_options(int argc, char **argv) {
     options chosen;
-    CLI::App app("Runs lines, or those of standard input, on a device; an image may stand first.", "qrysh");
-    app.get_formatter()->column_width(24);
+    CLI::App app("qrysh [OPTION ...] [IMAGE] [LINE ...]: runs lines, or those of standard input.", "qrysh");
+    app.formatter(std::make_shared<dense_help>());
+    app.set_help_flag("--help,-h", "print this");
     app.add_option("SQL", chosen.statements)->group(""); // the first line tells of it
     app.add_option("-c", chosen.commands, "run this line; may be repeated")
         ->option_text("SQL")
         ->allow_extra_args(false);
     app.add_option("-f", chosen.file, "run a file's lines")->option_text("FILE");
-    app.add_option("--image", chosen.image, "open a device image, new if not there")->option_text("FILE");
+    app.add_option("--image", chosen.image, "open a device image")->option_text("FILE");
+    app.add_option("--new", chosen.new_image, "create a device image and open it")->option_text("FILE");
+    app.add_flag("--sample", chosen.sample, "open the sample device");
     app.add_option("--check", chosen.check, "examine a device image and end")->option_text("FILE");
     app.add_option("--fixture", chosen.fixture, "load records from a JSON file first")->option_text("FILE");
     app.add_option("--db", chosen.db, "database of the statements (adbk_db)")->option_text("NAME");
@@ -53,9 +72,8 @@ options parse_options(int argc, char **argv) {
     app.add_flag("--safe-updates", chosen.safe_updates, "refuse changes of every record in scripts");
     app.add_flag("--trace", chosen.trace, "print the library's trace, with causes");
     app.add_flag("--echo", chosen.echo, "print each line above its answer");
-    app.set_version_flag("--version", qry_lib_version());
-    app.footer("A line is a statement (SELECT, INSERT, UPDATE, DELETE FROM, DROP TABLE) or a\n"
-               "command: .help lists the commands, .schema the columns. See also qrysh(1).");
+    app.set_version_flag("--version", qry_lib_version(), "print the version");
+    app.footer("A line is a statement or a command: .help lists the commands. See also qrysh(1).");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

@@ -7,14 +7,16 @@
 namespace qrysh {
 
 struct options {
-    std::string image; // empty: private memory, or what QRYLIB_IMAGE names
-    std::string check; // not empty: examine this image and do nothing else
+    std::string image;     // empty: private memory, or what QRYLIB_IMAGE names
+    std::string new_image; // not empty: create this one
+    std::string check;     // not empty: examine this image and do nothing else
     std::string fixture;
     std::string db;
     std::string mode;
     std::vector<std::string> commands; // -c, before the file's lines
     std::string file;
     std::vector<std::string> statements; // after them
+    bool sample = false;
     bool trace = false;
     bool echo = false;
     bool bail = false;

@@ -77,7 +77,7 @@ TEST_F(earlier_image, is_read_and_not_written) {
         path +
         ": is a device image of the earlier format version, which is only read; carry its "
         "records over with qrysh --image " +
-        path + " -c '.save records.json' and qrysh --image NEW -c '.load records.json'";
+        path + " -c '.save records.json' and qrysh --new NEW -c '.load records.json'";
     EXPECT_EQ(set_mode(8), 0x5245u);
     EXPECT_EQ(qryhost_error(), reason);
     EXPECT_EQ(tbctResetTable(departments), 0x5245u);

@@ -140,7 +140,11 @@ outcome session::use_mode(const std::string &name) {
 }
 
 outcome session::open(const std::string &image_path) {
-    return report_host(qryhost_open(image_path.c_str()));
+    if (qryhost_open(image_path.empty() ? nullptr : image_path.c_str()) != 0) {
+        return fail(qryhost_error());
+    }
+    device_ = image_path.empty() ? private_memory : image_path;
+    return outcome::done;
 }
 
 outcome session::load(const std::string &path) {

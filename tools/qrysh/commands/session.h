@@ -27,6 +27,9 @@ struct settings {
     bool asks = false;         // somebody at a terminal can be asked
 };
 
+// How a device without an image is called.
+constexpr const char *private_memory = "a device in memory";
+
 // Answers go to standard output; codes, complaints, traces and all else to standard error. Both are written
 // through at once, so that they interleave in the order in which they arose.
 class session {
@@ -37,11 +40,15 @@ class session {
     // Each answers done, or complains and answers failed.
     outcome use_database(const std::string &name);
     outcome use_mode(const std::string &name);
-    outcome open(const std::string &image_path);
+    outcome open(const std::string &image_path); // empty: private memory, without records
     static outcome load(const std::string &path);
     static outcome save(const std::string &path);
 
     const std::string &database() const { return database_; }
+    // The image that is open, or what else the records are of.
+    const std::string &device() const { return device_; }
+    void set_device(const std::string &name) { device_ = name; }
+
     settings &options() { return settings_; }
     trace_log &traces() { return traces_; }
 
@@ -67,6 +74,7 @@ class session {
     outcome tell(const std::string &sql, const qrytext::statement_report &report);
 
     std::string database_ = "adbk_db";
+    std::string device_ = private_memory;
     settings settings_;
     trace_log traces_;
     std::optional<result> last_answer_;
