@@ -121,31 +121,31 @@ std::string grid_lines(const std::vector<grid_row> &rows, const std::vector<std:
     return out;
 }
 
-std::string row_count(const result &answer) {
+} // namespace
+
+std::string count_of_rows(const result &answer) {
     return fmt::format("({} {})\n", answer.rows.size(), answer.rows.size() == 1 ? "row" : "rows");
 }
 
-} // namespace
-
 std::string format_table(const result &answer) {
     if (answer.titles.empty()) {
-        return row_count(answer);
+        return count_of_rows(answer);
     }
     const std::vector<grid_row> rows = make_grid(answer);
     const std::vector<std::size_t> widths = column_widths(rows);
     return grid_line(rows.front(), widths, table_frame) + rule_line(widths, "-", table_frame) +
-           grid_lines(rows, widths, table_frame) + row_count(answer);
+           grid_lines(rows, widths, table_frame) + count_of_rows(answer);
 }
 
 std::string format_box(const result &answer) {
     if (answer.titles.empty()) {
-        return row_count(answer);
+        return count_of_rows(answer);
     }
     const std::vector<grid_row> rows = make_grid(answer);
     const std::vector<std::size_t> widths = column_widths(rows);
     return rule_line(widths, "─", box_top) + grid_line(rows.front(), widths, box_frame) +
            rule_line(widths, "─", box_middle) + grid_lines(rows, widths, box_frame) +
-           rule_line(widths, "─", box_bottom) + row_count(answer);
+           rule_line(widths, "─", box_bottom) + count_of_rows(answer);
 }
 
 std::string format_markdown(const result &answer) {

@@ -13,6 +13,13 @@ bool table_exists(const std::string &db_name, const std::string &table_name) {
     return qry_lib_catalog_column_num(db_name.c_str(), table_name.c_str()) != 0;
 }
 
+std::vector<std::string> databases_with(const std::string &table_name) {
+    std::vector<std::string> names = database_names();
+    const auto lacks = [&](const std::string &db_name) { return !table_exists(db_name, table_name); };
+    names.erase(std::remove_if(names.begin(), names.end(), lacks), names.end());
+    return names;
+}
+
 std::vector<std::string> database_names() {
     std::vector<std::string> names;
     for (std::uint16_t i = 0; i < qry_lib_catalog_db_num(); ++i) {

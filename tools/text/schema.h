@@ -13,6 +13,9 @@ namespace qrytext {
 bool database_exists(const std::string &db_name);
 bool table_exists(const std::string &db_name, const std::string &table_name);
 
+// The databases that have a table of this name, in order.
+std::vector<std::string> databases_with(const std::string &table_name);
+
 std::vector<std::string> database_names();
 std::vector<std::string> table_names(const std::string &db_name);
 std::vector<std::string> column_names(const std::string &db_name, const std::string &table_name);

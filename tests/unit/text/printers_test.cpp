@@ -10,7 +10,9 @@ namespace {
 using qrytext::cell;
 using qrytext::format_csv;
 using qrytext::format_json;
+using qrytext::format_result;
 using qrytext::format_table;
+using qrytext::output_mode;
 using qrytext::result;
 
 cell number(std::int64_t value) {
@@ -93,6 +95,42 @@ TEST(json_printer, no_rows_are_an_empty_array) {
 TEST(json_printer, stray_bytes_become_replacement_characters) {
     const auto parsed = nlohmann::json::parse(format_json(one_text("x\xFFy\xE3\x81")));
     EXPECT_EQ(parsed[0]["A"], "x\xEF\xBF\xBDy\xEF\xBF\xBD");
+}
+
+// Titles, rules and the frame fall away as whole lines.
+TEST(layout, titles_are_left_out) {
+    const result answer{{"ID", "NAME"}, {{number(5), text("Ito")}}};
+    const auto bare = [&](output_mode mode) { return format_result(mode, answer, {false, 0}); };
+    EXPECT_EQ(bare(output_mode::table), " 5  Ito\n(1 row)\n");
+    EXPECT_EQ(bare(output_mode::box), "┌────┬──────┐\n│  5 │ Ito  │\n└────┴──────┘\n(1 row)\n");
+    EXPECT_EQ(bare(output_mode::csv), "5,Ito\r\n");
+    EXPECT_EQ(bare(output_mode::tabs), "5\tIto\n");
+    EXPECT_EQ(bare(output_mode::list), "5|Ito\n");
+    EXPECT_EQ(bare(output_mode::json), "[\n  {\"ID\":5,\"NAME\":\"Ito\"}\n]\n");
+    EXPECT_EQ(format_result(output_mode::table, {{}, {}}, {false, 0}), "(0 rows)\n");
+}
+
+TEST(layout, a_row_is_one_line_of_divided_values) {
+    const result answer{{"ID", "NAME"}, {{number(5), text("a\tb\nc|d")}, {number(6), text("")}}};
+    EXPECT_EQ(format_result(output_mode::tabs, answer), "ID\tNAME\n5\ta\\x09b\\x0Ac|d\n6\t\n");
+    EXPECT_EQ(format_result(output_mode::list, answer), "ID|NAME\n5|a\\x09b\\x0Ac|d\n6|\n");
+}
+
+// " ID  NAME" takes nine columns.
+TEST(layout, a_table_wider_than_the_terminal_becomes_lines) {
+    const result answer{{"ID", "NAME"}, {{number(123), text("佐藤")}, {number(4), text("Ito")}}};
+    EXPECT_EQ(format_result(output_mode::table, answer, {true, 9}), format_table(answer));
+    EXPECT_EQ(format_result(output_mode::table, answer, {true, 8}),
+              "  ID = 123\nNAME = 佐藤\n\n  ID = 4\nNAME = Ito\n(2 rows)\n");
+    EXPECT_EQ(format_result(output_mode::csv, answer, {true, 3}), format_csv(answer));
+}
+
+// Nine columns are left for a value: a wide character that does not fit goes below whole.
+TEST(layout, a_value_wider_than_the_terminal_goes_on_below) {
+    const result answer{{"NAME", "A"}, {{text("12345678佐藤xyz"), text("")}}};
+    EXPECT_EQ(format_result(output_mode::line, answer, {true, 16}),
+              "NAME = 12345678\n       佐藤xyz\n   A = \n");
+    EXPECT_EQ(format_result(output_mode::line, answer), "NAME = 12345678佐藤xyz\n   A = \n");
 }
 
 } // namespace
