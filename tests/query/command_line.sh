@@ -86,13 +86,26 @@ for change in 'DELETE FROM PSN_TBL' 'DROP TABLE PSN_TBL;' 'UPDATE PSN_TBL SET IN
 done
 expect 0 '' '1 record deleted' --safe-updates --fixture "$fixture" 'DELETE FROM PSN_TBL WHERE PSN_ID = 1'
 
+# Files of lines: one that reads itself ends somewhere, --bail ends all of them, .quit leaves the shell, and what was
+# refused counts.
+echo '.read itself.sql' >itself.sql
+expect 1 '' 'error: itself.sql: files read files 16 deep' '.read itself.sql'
+printf 'DELETE FROM PSN_TBL\nWHERE PSN_ID = 1\n.nothing\n.changes off\n' >script.sql
+expect 1 $'COUNT(\\*)\r\n9\r' $'1 record deleted\nerror: there is no command .nothing*' --sample --mode csv -c '.changes on' \
+    '.read script.sql' "$count"
+expect 1 '' '*error: there is no command .nothing*' --bail --sample --mode csv '.read script.sql' "$count"
+echo .quit >script.sql
+expect 0 '' '' '.read script.sql' "$count"
+HOME=$scratch expect 0 '' '' '.read ~/script.sql' "$count"
+
 # What is asked for may be refused as a whole.
 expect 1 '' 'error: only SELECT may run*' --readonly 'DELETE FROM PSN_TBL'
 expect 1 '' 'error: only SELECT may run*' --readonly 'UPDATE PSN_TBL SET PSN_ID = 1'
 expect 1 '' 'error: .load changes records*' --readonly '.load x.json'
 expect 1 '' 'error: a sweep of a change*' --readonly '.fault sweep DELETE FROM PSN_TBL'
 expect 0 $'COUNT*' '' --readonly "$count"
-for command in '.load x.json' '.save x.json' '.import x.csv PSN_TBL' '.export x.csv'; do
+for command in '.load x.json' '.save x.json' '.import x.csv PSN_TBL' '.export x.csv' '.read x.sql' '.once x' '.output x' \
+    '.open x.img'; do
     expect 1 '' 'error: .* touches files*' --safe "$command"
 done
 expect 1 '' 'error: .dump to a file touches files*' --safe '.dump x.sql'
@@ -116,6 +129,10 @@ expect 1 '' '*--nothing*' --nothing
 expect 0 '*--bail*.help lists the commands*' '' --help
 if [ "$("${qrysh[@]}" --help | wc -l)" -gt 24 ] || [ "$("${qrysh[@]}" --help | wc -L)" -gt 80 ]; then
     echo "--help does not fit on a screen"
+    failures=$((failures + 1))
+fi
+if [ "$("${qrysh[@]}" .help | wc -L)" -gt 80 ]; then
+    echo ".help does not fit on a terminal"
     failures=$((failures + 1))
 fi
 expect 0 '[0-9]*.[0-9]*.[0-9]*' '' --version

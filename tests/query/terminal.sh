@@ -5,39 +5,8 @@
 # usage: terminal.sh COMMAND... (the shell's full path)
 set -euo pipefail
 qrysh=("$@")
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-
-scratch=$(mktemp -d)
-export LC_ALL=C.UTF-8 TERM=screen HOME=$scratch EDITRC=/dev/null PAGER= QRYSH_HISTORY=$scratch/history
-run=0
-terminal() { tmux -u -f /dev/null -S "$scratch/socket$run" "$@"; }
-trap 'terminal kill-server 2>/dev/null || true; rm -rf "$scratch"' EXIT
-
-screen() { terminal capture-pane -p -J -t shell; }
-
-# Waits until the screen holds a line that matches; shows the screen and gives up after ten seconds.
-expect() {
-    for _ in $(seq 200); do
-        if grep -qE -- "$1" <<<"$(screen)"; then
-            return
-        fi
-        sleep 0.05
-    done
-    printf 'the screen does not show: %s\n' "$1"
-    screen
-    exit 1
-}
-
-start() {
-    terminal kill-server 2>/dev/null || true
-    run=$((run + 1)) # a server of its own: the one before may still be leaving
-    terminal new-session -d -s shell -x 100 -y 24 \
-        "$(printf '%q ' env "$@" "${qrysh[@]}" --fixture "$root/examples/office.json"); echo \"left with \$?\"; read -r"
-    expect '^qrysh>'
-}
-keys() { terminal send-keys -t shell "$@"; }
-# A semicolon at the end is tmux's own, unless it is marked.
-type_line() { terminal send-keys -t shell -l "${1/%;/\\;}" && keys Enter; }
+# shellcheck source=tests/query/at_terminal.sh
+. "$(dirname "${BASH_SOURCE[0]}")/at_terminal.sh"
 
 # A box is the default, and Japanese text stands in columns of the right width.
 start

@@ -2,6 +2,10 @@
 #include <clocale>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
+#include <system_error>
+
+#include <fmt/format.h>
 
 #include "tools/qrysh/commands/command_completion.h"
 #include "tools/qrysh/commands/device.h"
@@ -10,6 +14,7 @@
 #include "tools/qrysh/options.h"
 #include "tools/qrysh/printing/output.h"
 #include "tools/qrysh/prompt/line_source.h"
+#include "tools/qrysh/prompt/personal_file.h"
 
 namespace {
 
@@ -21,7 +26,7 @@ bool reads_terminal(const options &chosen) {
     return chosen.commands.empty() && chosen.file.empty() && chosen.statements.empty() && input_is_terminal();
 }
 
-bool set_up(session &shell, const options &chosen) {
+void take_switches(session &shell, const options &chosen) {
     settings &set = shell.options();
     set.mode = output_is_terminal() ? output_mode::box : output_mode::table;
     set.echo = chosen.echo;
@@ -29,8 +34,46 @@ bool set_up(session &shell, const options &chosen) {
     set.safe = chosen.safe;
     set.strict = chosen.strict;
     set.safe_updates = chosen.safe_updates;
+    set.bail = chosen.bail;
     set.asks = reads_terminal(chosen);
+}
+
+// A script does not depend on whose home it runs in: only who types has settings of their own. False when
+// they say to leave.
+bool read_settings(session &shell) {
+    const std::string path = personal_file("QRYSH_SETTINGS", ".qryshrc");
+    std::error_code ignored;
+    if (path.empty() || !std::filesystem::exists(path, ignored)) {
+        return true;
+    }
+    try {
+        return run_file(shell, path) != outcome::quit;
+    } catch (const std::system_error &error) { // it cannot be read: the shell goes on
+        session::fail(error.what());
+        return true;
+    }
+}
+
+bool load_fixture(session &shell, const std::string &path) {
+    if (session::load(path) == outcome::failed) {
+        return false;
+    }
+    if (shell.device() == private_memory) {
+        shell.set_device(fmt::format("{} in memory", path));
+    }
+    return true;
+}
+
+// What the command line says goes before what the settings say.
+bool set_up(session &shell, const options &chosen) {
+    take_switches(shell, chosen);
     if (open_device(shell, {chosen.image, chosen.new_image, chosen.sample}) == outcome::failed) {
+        return false;
+    }
+    if (!chosen.fixture.empty() && !load_fixture(shell, chosen.fixture)) {
+        return false;
+    }
+    if (reads_terminal(chosen) && !read_settings(shell)) {
         return false;
     }
     if (chosen.trace) {
@@ -39,10 +82,7 @@ bool set_up(session &shell, const options &chosen) {
     if (!chosen.db.empty() && shell.use_database(chosen.db) == outcome::failed) {
         return false;
     }
-    if (!chosen.mode.empty() && shell.use_mode(chosen.mode) == outcome::failed) {
-        return false;
-    }
-    return chosen.fixture.empty() || shell.load(chosen.fixture) != outcome::failed;
+    return chosen.mode.empty() || shell.use_mode(chosen.mode) != outcome::failed;
 }
 
 // The lines before are completed with: they may name the tables.
@@ -60,7 +100,7 @@ completion complete_after(const session &shell, const dispatcher &lines, std::st
 prompt_hooks hooks_of(session &shell, dispatcher &lines) {
     return {
         [&](std::string_view line, std::size_t cursor) { return complete_after(shell, lines, line, cursor); },
-        [&] { return prompt_for(lines.unfinished()); }, [&] { return lines.drop_unfinished(); }};
+        [&] { return lines.prompt(); }, [&] { return lines.drop_unfinished(); }};
 }
 
 // In the order in which they are read.
@@ -81,25 +121,6 @@ std::vector<std::unique_ptr<line_source>> open_sources(const options &chosen, pr
     return sources;
 }
 
-// How reading the lines ended: quit, failed for good, or done.
-outcome run_lines(dispatcher &shell, line_source &lines, bool bail, int &status) {
-    for (;;) {
-        const std::optional<std::string> line = lines.next();
-        outcome answer = line ? shell.make_way_for(*line) : shell.run_rest();
-        if (line && (answer == outcome::done || !bail)) {
-            status = answer == outcome::failed ? 1 : status;
-            answer = shell.run(*line);
-        }
-        status = answer == outcome::failed ? 1 : status;
-        if (answer == outcome::quit || (answer == outcome::failed && bail)) {
-            return answer;
-        }
-        if (!line) {
-            return outcome::done;
-        }
-    }
-}
-
 int run(int argc, char **argv) {
     const options chosen = parse_options(argc, argv);
     if (chosen.exit_status >= 0) {
@@ -112,14 +133,17 @@ int run(int argc, char **argv) {
     if (!set_up(shell, chosen)) {
         return 1;
     }
+    if (reads_terminal(chosen)) {
+        greet(shell);
+    }
     dispatcher roof(shell);
-    int status = 0;
     for (const std::unique_ptr<line_source> &lines : open_sources(chosen, hooks_of(shell, roof))) {
-        if (run_lines(roof, *lines, chosen.bail, status) != outcome::done) {
+        if (roof.run_all(*lines) != outcome::done) {
             break;
         }
     }
-    return status;
+    end_redirection();
+    return shell.has_failed() ? 1 : 0;
 }
 
 } // namespace

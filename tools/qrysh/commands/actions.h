@@ -17,11 +17,20 @@ outcome use_database(session &shell, const std::string &argument);
 outcome use_mode(session &shell, const std::string &argument);
 outcome load(session &shell, const std::string &argument);
 outcome save(session &shell, const std::string &argument);
+outcome open_other_device(session &shell, const std::string &order);
+outcome redirect_once(session &shell, const std::string &path);
+outcome redirect_all(session &shell, const std::string &path);
+outcome quit(session &shell, const std::string &argument);
+
+// settings_commands.cpp
+outcome set_prompt(session &shell, const std::string &order);
+outcome show_settings(session &shell, const std::string &argument);
+outcome switch_changes(session &shell, const std::string &argument);
 outcome switch_echo(session &shell, const std::string &argument);
+outcome switch_headers(session &shell, const std::string &argument);
 outcome switch_strict(session &shell, const std::string &argument);
 outcome switch_timer(session &shell, const std::string &argument);
 outcome switch_trace(session &shell, const std::string &argument);
-outcome quit(session &shell, const std::string &argument);
 
 outcome explain_statement(session &shell, const std::string &sql); // explain_command.cpp
 outcome inject_fault(session &shell, const std::string &order);    // fault_command.cpp

@@ -9,9 +9,14 @@
 
 namespace qrysh {
 
+// A word is what stands between blanks, or between two quotes of a kind, blanks included; "~/" at the start
+// of one without quotes is the home folder. Throws std::runtime_error for a quote without another.
 std::vector<std::string> split_words(std::string_view text);
 
-// The first word, and the rest without the blanks between them.
+// A whole argument that is one name: the blanks in it belong to it, with quotes around it or without.
+std::string one_name(std::string_view text);
+
+// The first word, and the rest as it stands, without the blanks between them.
 struct word_and_rest {
     std::string word;
     std::string rest;

@@ -25,9 +25,6 @@ struct command {
 // Null for a name that no command has.
 const command *find_command(std::string_view name);
 
-// "there is no command X", and what may have been meant.
-std::string no_such_command(std::string_view name);
-
 // What .help prints.
 std::string command_help();
 

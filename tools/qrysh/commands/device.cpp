@@ -1,12 +1,21 @@
 // Images that must be there, images that must not, and the sample device.
 #include "tools/qrysh/commands/device.h"
 
+#include <qrylib/version.h>
+
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <stdexcept>
 #include <system_error>
 
 #include <fmt/format.h>
 
+#include "platform/host/qryhost.h"
+#include "tools/qrysh/printing/output.h"
+#include "tools/text/engine.h"
+#include "tools/text/filter_key_text.h"
+#include "tools/text/schema.h"
 #include "tools/text/text.h"
 
 namespace qrysh {
@@ -55,6 +64,12 @@ outcome create_image(session &shell, const std::string &path) {
     return shell.open(path);
 }
 
+// Records that are never free are not counted: they tell nothing of the device.
+std::int64_t records_taken(const std::string &db_name, const std::string &table) {
+    const std::int64_t in_use = records_in_use(db_name, table); // throws where there is no store
+    return free_keys(db_name, table).empty() ? 0 : in_use;
+}
+
 outcome load_sample(session &shell) {
     if (session::load(sample_file()) == outcome::failed) {
         return outcome::failed;
@@ -70,6 +85,30 @@ outcome load_sample(session &shell) {
 std::string sample_file() {
     const fs::path program = fs::read_symlink("/proc/self/exe");
     return (program.parent_path() / QRYSH_DATA_FOLDER / "office.json").lexically_normal().string();
+}
+
+std::string describe_device(session &shell) {
+    const trace_log::pause quiet(shell.traces());
+    std::int64_t in_use = 0;
+    for (const std::string &db_name : database_names()) {
+        for (const std::string &table : table_names(db_name)) {
+            in_use += records_taken(db_name, table);
+        }
+    }
+    return fmt::format("{}: {} {} in use", printable(shell.device()),
+                       in_use == 0 ? "no" : std::to_string(in_use), in_use == 1 ? "record" : "records");
+}
+
+// A store that cannot be opened does not keep the shell from starting: .open opens another.
+void greet(session &shell) {
+    say(fmt::format("qrysh {}; .help lists the commands\n", qry_lib_version()));
+    try {
+        say(fmt::format("{}{}\n", describe_device(shell),
+                        shell.device() == private_memory ? "; .open --sample opens one with records" : ""));
+    } catch (const std::runtime_error &error) {
+        const std::string reason = qryhost_error();
+        session::fail(reason.empty() ? error.what() : reason);
+    }
 }
 
 outcome open_device(session &shell, const device_choice &chosen) {

@@ -19,6 +19,12 @@ struct device_choice {
 // Creates no file but the new image, and none at all for a shell that must not change records.
 outcome open_device(session &shell, const device_choice &chosen);
 
+// "NAME: N records in use".
+std::string describe_device(session &shell);
+
+// What is said at a terminal before the first prompt.
+void greet(session &shell);
+
 // The file with the sample device's records, which lies where the program's own files do.
 std::string sample_file();
 

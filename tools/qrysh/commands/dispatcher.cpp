@@ -3,12 +3,16 @@
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
 #include <stdexcept>
+#include <system_error>
 
 #include <fmt/format.h>
 
 #include "tools/qrysh/commands/actions.h"
+#include "tools/qrysh/commands/arguments.h"
 #include "tools/qrysh/commands/command_table.h"
+#include "tools/qrysh/commands/foreign_commands.h"
 #include "tools/qrysh/printing/output.h"
 #include "tools/text/text.h"
 
@@ -36,34 +40,45 @@ outcome watch(session &shell, const std::string &order) {
     return watch_line(order, [&](const std::string &line) { return answer(shell, line); });
 }
 
+enum class words { one, several };
+
 struct command_action {
     std::string_view name;
     outcome (*run)(session &shell, const std::string &argument);
+    words takes = words::one; // several: the command divides them itself
 };
 
 // One for each row of the table of commands.
 constexpr command_action actions[] = {
+    {".changes", switch_changes},
     {".databases", show_databases},
     {".db", use_database},
-    {".dump", dump_tables},
+    {".dump", dump_tables, words::several},
     {".echo", switch_echo},
     {".exit", quit},
-    {".explain", explain_statement},
+    {".explain", explain_statement, words::several},
     {".export", export_answer},
-    {".fault", inject_fault},
+    {".fault", inject_fault, words::several},
+    {".headers", switch_headers},
     {".help", show_help},
-    {".import", import_file},
+    {".import", import_file, words::several},
     {".load", load},
     {".mode", use_mode},
+    {".once", redirect_once},
+    {".open", open_other_device, words::several},
+    {".output", redirect_all},
+    {".prompt", set_prompt, words::several},
     {".quit", quit},
-    {".record", show_record},
+    {".read", run_file},
+    {".record", show_record, words::several},
     {".save", save},
     {".schema", show_schema},
+    {".show", show_settings},
     {".strict", switch_strict},
     {".tables", show_tables},
     {".timer", switch_timer},
     {".trace", switch_trace},
-    {".watch", watch},
+    {".watch", watch, words::several},
 };
 
 // 0 for what may be done, otherwise the complaint.
@@ -97,10 +112,40 @@ outcome run_command(session &shell, std::string_view line) {
     const auto *action = std::find_if(std::begin(actions), std::end(actions),
                                       [&](const command_action &a) { return a.name == name; });
     try {
-        return action->run(shell, argument);
+        return action->run(shell, action->takes == words::one ? one_name(argument) : argument);
     } catch (const std::runtime_error &error) { // a file, the store or the output failed: the shell goes on
         return session::fail(error.what());
     }
+}
+
+// Other shells' commands begin so too: they are told what is there.
+bool begins_command(std::string_view text) {
+    return text.front() == '.' || text.front() == '\\' || text.front() == '?';
+}
+
+// A file that stands for standard output and cannot be written ends as that; the shell goes on.
+outcome run_statement(session &shell, const std::string &sql) {
+    const bool is_redirected = !answer_file().empty();
+    try {
+        return shell.run_statement(sql);
+    } catch (const std::system_error &error) {
+        if (!is_redirected) {
+            throw;
+        }
+        return session::fail(error.what());
+    }
+}
+
+outcome answer_line(session &shell, std::string_view text) {
+    const std::string_view line = trim(text);
+    if (line.empty()) {
+        return outcome::done;
+    }
+    if (begins_command(line)) {
+        return run_command(shell, line);
+    }
+    const std::string sql(without_semicolon(text));
+    return trim(sql).empty() ? outcome::done : run_statement(shell, sql);
 }
 
 std::string_view without_return(std::string_view line) {
@@ -110,17 +155,61 @@ std::string_view without_return(std::string_view line) {
 } // namespace
 
 outcome answer(session &shell, std::string_view text) {
-    if (trim(text).substr(0, 1) == ".") {
-        return run_command(shell, trim(text));
+    const outcome answered = answer_line(shell, text);
+    end_answer();
+    return answered;
+}
+
+outcome run_file(session &shell, const std::string &path) {
+    constexpr int deepest = 16; // a file that reads itself ends here
+    static int depth = 0;
+    if (depth == deepest) {
+        return session::fail(fmt::format("{}: files read files {} deep", printable(path), deepest));
     }
-    const std::string sql(without_semicolon(text));
-    return trim(sql).empty() ? outcome::done : shell.run_statement(sql);
+    const std::unique_ptr<line_source> lines = open_file(path);
+    const bool asked = shell.options().asks;
+    shell.options().asks = false;
+    ++depth;
+    const outcome ended = dispatcher(shell).run_all(*lines);
+    --depth;
+    shell.options().asks = asked;
+    return ended;
+}
+
+const char *dispatcher::prompt() const {
+    const settings &set = shell_.options();
+    return (unfinished().empty() ? set.prompt : set.next_prompt).c_str();
+}
+
+outcome dispatcher::run_all(line_source &lines) {
+    for (;;) {
+        const std::optional<std::string> line = lines.next();
+        const outcome ended = run_line(line);
+        if (ended != outcome::done || !line) {
+            return ended;
+        }
+    }
+}
+
+// Nothing: the end of the lines. A failure is the run's end only where it is to be.
+outcome dispatcher::run_line(const std::optional<std::string> &line) {
+    const auto ends_run = [&](outcome answered) {
+        if (answered == outcome::failed) {
+            shell_.note_failure();
+        }
+        return answered == outcome::quit || (answered == outcome::failed && shell_.options().bail);
+    };
+    outcome answered = line ? make_way_for(*line) : run_rest();
+    if (line && !ends_run(answered)) {
+        answered = run(*line);
+    }
+    return ends_run(answered) ? answered : outcome::done;
 }
 
 outcome dispatcher::run(std::string_view line) {
     if (shell_.options().echo) {
         const std::string_view shown = without_return(line);
-        say(shown.empty() ? "\n" : fmt::format("{}{}\n", prompt_for(unfinished()), shown));
+        say(shown.empty() ? "\n" : fmt::format("{}{}\n", prompt(), shown));
     }
     if (line.find('\0') != std::string_view::npos) {
         lines_.take();
@@ -131,8 +220,8 @@ outcome dispatcher::run(std::string_view line) {
         if (text.empty() || text.substr(0, 2) == "--") {
             return outcome::done;
         }
-        if (text.front() == '.') {
-            return run_command(shell_, text);
+        if (begins_command(text)) {
+            return answer(shell_, text);
         }
     }
     return lines_.add(line, !shell_.options().asks) ? answer(shell_, lines_.take()) : outcome::done;

@@ -6,21 +6,24 @@
 #include <string_view>
 
 #include "tools/qrysh/commands/session.h"
+#include "tools/qrysh/prompt/line_source.h"
 #include "tools/text/statement_lines.h"
 
 namespace qrysh {
 
-// What a prompt shows before the next line.
-constexpr const char *prompt_for(std::string_view unfinished) {
-    return unfinished.empty() ? "qrysh> " : "  ...> ";
-}
-
 // Answers a whole statement, with or without a semicolon behind it, or a command.
 outcome answer(session &shell, std::string_view text);
+
+// Runs the lines of a file as those of a script are: nobody is asked anything.
+outcome run_file(session &shell, const std::string &path);
 
 class dispatcher {
   public:
     explicit dispatcher(session &shell) : shell_(shell) {}
+
+    // Takes every line of a source. Answers quit where one left the shell, failed where one ended the run,
+    // and else done; the session knows whether any failed.
+    outcome run_all(line_source &lines);
 
     // Takes the next line: a command that begins with ".", a comment, nothing, or one of a statement, which
     // is answered with its last line.
@@ -36,10 +39,15 @@ class dispatcher {
     // The statement to which the next line belongs, as far as it goes; empty when there is none.
     const std::string &unfinished() const { return lines_.text(); }
 
+    // What a prompt shows before the next line.
+    const char *prompt() const;
+
     // Forgets that statement. False when there is none.
     bool drop_unfinished() { return !lines_.take().empty(); }
 
   private:
+    outcome run_line(const std::optional<std::string> &line);
+
     session &shell_;
     qrytext::statement_lines lines_;
 };

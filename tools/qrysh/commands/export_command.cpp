@@ -1,13 +1,9 @@
 // .export and .dump: answers and tables written to files of other programs' forms.
-#include <fmt/format.h>
-
 #include "tools/qrysh/commands/actions.h"
 #include "tools/qrysh/commands/arguments.h"
 #include "tools/qrysh/printing/output.h"
 #include "tools/qrysh/transfer/file_forms.h"
-#include "tools/text/near_match.h"
 #include "tools/text/schema.h"
-#include "tools/text/text.h"
 
 namespace qrysh {
 
@@ -43,11 +39,9 @@ outcome export_answer(session &shell, const std::string &path) {
 outcome dump_tables(session &shell, const std::string &order) {
     word_and_rest parts = split_first_word(order);
     const bool names_table = !parts.word.empty() && parts.word.find('.') == std::string::npos;
-    const std::string path = names_table ? parts.rest : order;
+    const std::string path = one_name(names_table ? parts.rest : order);
     if (names_table && !table_exists(shell.database(), parts.word)) {
-        return session::fail(fmt::format("there is no table \"{}\" in {}{}", printable(parts.word),
-                                         shell.database(),
-                                         did_you_mean(parts.word, table_names(shell.database()))));
+        return shell.refuse_table(parts.word);
     }
     if (!path.empty() && shell.options().safe) {
         return session::fail(".dump to a file touches files: the shell was started with --safe");

@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include "tools/qrysh/commands/actions.h"
+#include "tools/qrysh/commands/arguments.h"
 #include "tools/qrysh/printing/output.h"
 #include "tools/qrysh/transfer/import_check.h"
 #include "tools/text/code_text.h"
@@ -94,12 +95,10 @@ outcome import_file(session &shell, const std::string &order) {
     if (blank == std::string::npos) {
         return session::fail("expected a file and a table: .import FILE TABLE");
     }
-    const std::string path(trim(order.substr(0, blank)));
+    const std::string path = one_name(trim(order.substr(0, blank)));
     const std::string table = order.substr(blank + 1);
     if (!table_exists(shell.database(), table)) {
-        return session::fail(fmt::format("there is no table \"{}\" in {}{}", printable(table),
-                                         shell.database(),
-                                         did_you_mean(table, table_names(shell.database()))));
+        return shell.refuse_table(table);
     }
     return import_into(shell, path, table);
 }

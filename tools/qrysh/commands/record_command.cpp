@@ -4,10 +4,8 @@
 #include "tools/qrysh/commands/actions.h"
 #include "tools/qrysh/commands/arguments.h"
 #include "tools/text/code_text.h"
-#include "tools/text/near_match.h"
 #include "tools/text/record_view.h"
 #include "tools/text/schema.h"
-#include "tools/text/text.h"
 
 namespace qrysh {
 
@@ -18,9 +16,7 @@ outcome show_record(session &shell, const std::string &order) {
         return session::fail("expected a table and a record's number: .record TABLE N");
     }
     if (!table_exists(shell.database(), words[0])) {
-        return session::fail(fmt::format("there is no table \"{}\" in {}{}", printable(words[0]),
-                                         shell.database(),
-                                         did_you_mean(words[0], table_names(shell.database()))));
+        return shell.refuse_table(words[0]);
     }
     const std::int64_t capacity = table_capacity(shell.database(), words[0]);
     if (*number > capacity) {

@@ -88,7 +88,7 @@ outcome session::tell(const std::string &sql, const statement_report &report) {
         tell_written(sql, report);
     } else if (report.rows) {
         show(*report.rows);
-    } else if (is_for_people(settings_.mode)) {
+    } else if (settings_.changes.value_or(is_for_people(settings_.mode))) {
         const std::string changes = describe_changes(database_, sql, report);
         say(fmt::format("{}\n", changes.empty() ? "ok" : changes));
     }
@@ -160,8 +160,19 @@ outcome session::check(const std::string &image_path) {
 }
 
 void session::show(const result &answer) {
-    present(format_result(settings_.mode, answer));
+    present(format_result(settings_.mode, answer, {settings_.headers, terminal_columns()}));
     last_answer_ = answer;
+}
+
+outcome session::refuse_table(const std::string &name) const {
+    const std::vector<std::string> elsewhere = databases_with(name);
+    std::string advice = did_you_mean(name, table_names(database_));
+    if (!elsewhere.empty()) {
+        advice = fmt::format("; {} has it: .db {}", elsewhere.front(), elsewhere.front());
+    } else if (advice.empty()) {
+        advice = "; .tables lists them";
+    }
+    return fail(fmt::format("there is no table \"{}\" in {}{}", printable(name), database_, advice));
 }
 
 outcome session::fail(std::string_view sentence) {

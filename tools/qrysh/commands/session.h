@@ -18,13 +18,18 @@ enum class outcome { done, failed, quit };
 
 struct settings {
     output_mode mode = output_mode::table;
-    bool echo = false;         // print each line above its answer
-    bool timer = false;        // print what each statement cost
-    bool readonly = false;     // refuse whatever changes records
-    bool safe = false;         // refuse commands that touch files
-    bool strict = false;       // refuse statements that get a note
+    std::string prompt = "qrysh> ";
+    std::string next_prompt = "  ...> "; // before a statement's further lines
+    bool headers = true;                 // print columns' titles above the rows
+    std::optional<bool> changes;         // say what a statement changed; nothing: where people read the mode
+    bool echo = false;                   // print each line above its answer
+    bool timer = false;                  // print what each statement cost
+    bool readonly = false;               // refuse whatever changes records
+    bool safe = false;                   // refuse commands that touch files
+    bool strict = false;                 // refuse statements that get a note
     bool safe_updates = false; // refuse DELETE, DROP and UPDATE of every record where nobody can be asked
     bool asks = false;         // somebody at a terminal can be asked
+    bool bail = false;         // stop at the first error
 };
 
 // How a device without an image is called.
@@ -49,6 +54,10 @@ class session {
     const std::string &device() const { return device_; }
     void set_device(const std::string &name) { device_ = name; }
 
+    // Whether any line has failed.
+    bool has_failed() const { return has_failed_; }
+    void note_failure() { has_failed_ = true; }
+
     settings &options() { return settings_; }
     trace_log &traces() { return traces_; }
 
@@ -60,6 +69,9 @@ class session {
 
     // Prints what an examination of a device image finds.
     static outcome check(const std::string &image_path);
+
+    // Complains about a table that the database has not, and tells where it is or what may have been meant.
+    outcome refuse_table(const std::string &name) const;
 
     // Prints a complaint.
     static outcome fail(std::string_view sentence);
@@ -76,6 +88,7 @@ class session {
     std::string database_ = "adbk_db";
     std::string device_ = private_memory;
     settings settings_;
+    bool has_failed_ = false;
     trace_log traces_;
     std::optional<result> last_answer_;
 };

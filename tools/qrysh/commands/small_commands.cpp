@@ -1,26 +1,14 @@
-// The short commands: listings, settings, files of the whole store.
+// The short commands: listings, files of the whole store, the device, where answers go.
 #include <fmt/format.h>
 
 #include "tools/qrysh/commands/actions.h"
+#include "tools/qrysh/commands/arguments.h"
+#include "tools/qrysh/commands/device.h"
+#include "tools/qrysh/printing/output.h"
 #include "tools/text/listings.h"
-#include "tools/text/near_match.h"
 #include "tools/text/schema.h"
-#include "tools/text/text.h"
 
 namespace qrysh {
-
-namespace {
-
-template <typename Setter>
-outcome switch_setting(const std::string &word, Setter set) {
-    if (word != "on" && word != "off") {
-        return session::fail(fmt::format("expected on or off, not \"{}\"", printable(word)));
-    }
-    set(word == "on");
-    return outcome::done;
-}
-
-} // namespace
 
 outcome show_tables(session &shell, const std::string & /*unused*/) {
     const trace_log::pause quiet(shell.traces());
@@ -28,13 +16,18 @@ outcome show_tables(session &shell, const std::string & /*unused*/) {
     return outcome::done;
 }
 
+// A table of another database is shown all the same: its name says which one is meant.
 outcome show_schema(session &shell, const std::string &table) {
-    if (!table.empty() && !table_exists(shell.database(), table)) {
-        const std::string near = did_you_mean(table, table_names(shell.database()));
-        return session::fail(fmt::format("there is no table \"{}\" in {}{}", printable(table),
-                                         shell.database(), near.empty() ? "; .tables lists them" : near));
+    std::string db_name = shell.database();
+    if (!table.empty() && !table_exists(db_name, table)) {
+        const std::vector<std::string> elsewhere = databases_with(table);
+        if (elsewhere.empty()) {
+            return shell.refuse_table(table);
+        }
+        db_name = elsewhere.front();
+        say(fmt::format("{} is a table of {}; .db {} sends statements there\n", table, db_name, db_name));
     }
-    shell.show(list_columns(shell.database(), table));
+    shell.show(list_columns(db_name, table));
     return outcome::done;
 }
 
@@ -54,24 +47,43 @@ outcome quit(session & /*shell*/, const std::string & /*unused*/) {
     return outcome::quit;
 }
 
+outcome open_other_device(session &shell, const std::string &order) {
+    const std::vector<std::string> words = split_words(order);
+    device_choice chosen;
+    if (order == "--sample") {
+        chosen.sample = true;
+    } else if (words.size() == 2 && words[0] == "--new") {
+        chosen.new_image = words[1];
+    } else {
+        chosen.image = one_name(order);
+    }
+    if (open_device(shell, chosen) == outcome::failed) {
+        return outcome::failed;
+    }
+    if (is_for_people(shell.options().mode)) {
+        say(fmt::format("{}\n", describe_device(shell)));
+    }
+    return outcome::done;
+}
+
+outcome redirect_once(session & /*shell*/, const std::string &path) {
+    redirect_answers(path, true);
+    return outcome::done;
+}
+outcome redirect_all(session & /*shell*/, const std::string &path) {
+    if (path.empty()) {
+        end_redirection();
+    } else {
+        redirect_answers(path, false);
+    }
+    return outcome::done;
+}
+
 outcome load(session & /*shell*/, const std::string &path) {
     return session::load(path);
 }
 outcome save(session & /*shell*/, const std::string &path) {
     return session::save(path);
-}
-
-outcome switch_trace(session &shell, const std::string &word) {
-    return switch_setting(word, [&](bool on) { shell.traces().set_printing(on); });
-}
-outcome switch_echo(session &shell, const std::string &word) {
-    return switch_setting(word, [&](bool on) { shell.options().echo = on; });
-}
-outcome switch_strict(session &shell, const std::string &word) {
-    return switch_setting(word, [&](bool on) { shell.options().strict = on; });
-}
-outcome switch_timer(session &shell, const std::string &word) {
-    return switch_setting(word, [&](bool on) { shell.options().timer = on; });
 }
 
 } // namespace qrysh

@@ -18,14 +18,30 @@ namespace qrysh {
 
 namespace {
 
-std::size_t terminal_lines() {
+// The file that stands for standard output.
+struct answer_target {
+    FILE *file = nullptr;
+    std::string path;
+    bool for_one_answer = false;
+    bool written = false;
+};
+
+answer_target &target() {
+    static answer_target one;
+    return one;
+}
+
+// That of the usual terminal where this one does not tell.
+winsize terminal_size() {
     winsize size{};
-    constexpr std::size_t usual_lines = 24;
-    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 0 ? size.ws_row : usual_lines;
+    static_cast<void>(ioctl(STDOUT_FILENO, TIOCGWINSZ, &size));
+    size.ws_row = size.ws_row > 0 ? size.ws_row : 24;
+    size.ws_col = size.ws_col > 0 ? size.ws_col : 80;
+    return size;
 }
 
 bool is_long(const std::string &text) {
-    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) >= terminal_lines();
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) >= terminal_size().ws_row;
 }
 
 // A pager that is left early closes the pipe: that is no fault of the answer, so the signal is held off.
@@ -47,9 +63,41 @@ bool page(const char *pager, const std::string &text) {
 } // namespace
 
 void print(std::string_view text) {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
-        throw std::system_error(errno, std::generic_category(), "standard output");
+    answer_target &to = target();
+    FILE *const stream = to.file == nullptr ? stdout : to.file;
+    to.written = true;
+    if (std::fwrite(text.data(), 1, text.size(), stream) != text.size() || std::fflush(stream) != 0) {
+        const std::system_error error(errno, std::generic_category(),
+                                      to.file == nullptr ? "standard output" : to.path);
+        end_redirection();
+        throw error;
     }
+}
+
+void redirect_answers(const std::string &path, bool once) {
+    end_redirection();
+    FILE *const file = std::fopen(path.c_str(), "we");
+    if (file == nullptr) {
+        throw std::system_error(errno, std::generic_category(), path);
+    }
+    target() = {file, path, once, false};
+}
+
+void end_redirection() {
+    if (target().file != nullptr) {
+        static_cast<void>(std::fclose(target().file)); // each answer was flushed
+    }
+    target() = {};
+}
+
+void end_answer() {
+    if (target().for_one_answer && target().written) {
+        end_redirection();
+    }
+}
+
+std::string answer_file() {
+    return target().path;
 }
 
 void say(std::string_view text) {
@@ -64,8 +112,12 @@ void present(const std::string &text) {
     }
 }
 
+std::size_t terminal_columns() {
+    return output_is_terminal() ? terminal_size().ws_col : 0;
+}
+
 bool output_is_terminal() {
-    return isatty(STDOUT_FILENO) != 0;
+    return target().file == nullptr && isatty(STDOUT_FILENO) != 0;
 }
 
 bool input_is_terminal() {

@@ -1,4 +1,4 @@
-// The shell's two streams.
+// The shell's two streams, and the file that may stand for the first.
 #pragma once
 
 #include <cstddef>
@@ -7,15 +7,33 @@
 
 namespace qrysh {
 
-// Writes to standard output, at once. Throws when it cannot be written.
+// Writes an answer to standard output, or to the file that stands for it, at once. Throws when it cannot be
+// written; a file does not stand for standard output after that.
 void print(std::string_view text);
+
+// Sends answers to a file, which is emptied first, from now on or for the next answer alone. Throws when it
+// cannot be opened.
+void redirect_answers(const std::string &path, bool once);
+
+// Sends answers to standard output again.
+void end_redirection();
+
+// To be called behind each line's answer.
+void end_answer();
+
+// Where answers go: the file's name, empty for standard output.
+std::string answer_file();
 
 // Writes to standard error: all that is no answer.
 void say(std::string_view text);
 
-// Prints an answer; through $PAGER where standard output is a terminal and the answer is longer than it.
+// Prints an answer; through $PAGER where it goes to a terminal and is longer than that.
 void present(const std::string &text);
 
+// How wide the terminal is on which answers are read; 0 where they are not read on one.
+std::size_t terminal_columns();
+
+// Whether answers go to a terminal.
 bool output_is_terminal();
 bool input_is_terminal();
 

@@ -47,16 +47,23 @@ class argument_lines : public line_source {
 
 class file_lines : public line_source {
   public:
-    explicit file_lines(const std::string &path) : file_(path), lines_(file_, path) {
+    explicit file_lines(const std::string &path) : path_(path), file_(path), lines_(file_, path) {
         if (!file_) {
             throw std::system_error(errno, std::generic_category(), path);
         }
         file_.exceptions(std::ios::badbit); // a folder opens, but cannot be read
     }
 
-    std::optional<std::string> next() override { return lines_.next(); }
+    std::optional<std::string> next() override {
+        try {
+            return lines_.next();
+        } catch (const std::ios_base::failure &error) {
+            throw std::system_error(error.code(), path_);
+        }
+    }
 
   private:
+    std::string path_;
     std::ifstream file_;
     stream_lines lines_;
 };

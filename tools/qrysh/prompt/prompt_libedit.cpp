@@ -2,26 +2,18 @@
 #include <histedit.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <stdexcept>
 
 #include "tools/qrysh/printing/output.h"
 #include "tools/qrysh/prompt/interrupt.h"
 #include "tools/qrysh/prompt/line_source.h"
+#include "tools/qrysh/prompt/personal_file.h"
 
 namespace qrysh {
 
 namespace {
 
 constexpr int history_length = 500;
-
-std::string history_path() {
-    if (const char *const chosen = std::getenv("QRYSH_HISTORY")) {
-        return chosen;
-    }
-    const char *const home = std::getenv("HOME");
-    return home == nullptr || *home == '\0' ? "" : std::string(home) + "/.qrysh_history";
-}
 
 struct editor_closer {
     void operator()(EditLine *editor) const { el_end(editor); }
@@ -34,8 +26,8 @@ struct history_closer {
 class libedit_prompt : public line_source {
   public:
     explicit libedit_prompt(prompt_hooks hooks)
-        : hooks_(std::move(hooks)), path_(history_path()), history_(history_init()),
-          editor_(el_init("qrysh", stdin, stdout, stderr)) {
+        : hooks_(std::move(hooks)), path_(personal_file("QRYSH_HISTORY", ".qrysh_history")),
+          history_(history_init()), editor_(el_init("qrysh", stdin, stdout, stderr)) {
         if (!history_ || !editor_) {
             throw std::runtime_error("the terminal cannot be used for line editing");
         }
