@@ -6,15 +6,27 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
 quietly() {
-    local log
-    log=$(mktemp)
-    if ! "$@" >"$log" 2>&1; then
-        cat "$log" >&2
-        rm -f "$log"
-        exit 1
-    fi
-    rm -f "$log"
+    "$@" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
+}
+
+# Reads what the build says into the log, and tells how far it is and how long that took since the start: on one line of
+# a terminal, elsewhere ten times.
+tell_progress() {
+    local line tenth=0
+    while IFS= read -r line; do
+        printf '%s\n' "$line" >>"$log"
+        [[ $line =~ ^\[([0-9]+)/([0-9]+)\] ]] || continue
+        local step=${BASH_REMATCH[1]} steps=${BASH_REMATCH[2]}
+        if [ -t 1 ]; then
+            printf '\rbuilding the shell: step %d of %d, %d s ' "$step" "$steps" "$SECONDS"
+        elif [ $((10 * step / steps)) -gt "$tenth" ]; then
+            tenth=$((10 * step / steps))
+            echo "building the shell: step $step of $steps, $SECONDS s"
+        fi
+    done
 }
 
 qrysh=(build/release/tools/qrysh/qrysh)
@@ -22,9 +34,10 @@ if [ "${1:-}" = --with ]; then
     qrysh=("${@:2}")
 else
     scripts/install_packages.sh --build
-    echo "building the shell"
     quietly cmake --preset release
-    quietly cmake --build --preset release --target qrysh
+    : >"$log"
+    cmake --build --preset release --target qrysh 2>&1 | tell_progress || { cat "$log" >&2; exit 1; }
+    printf '%sthe first answer comes %d s after the start\n' "$([ ! -t 1 ] || printf '\r\033[K')" "$SECONDS"
 fi
 
 # The sample script ends with statements that are refused, so the shell's exit status is 1. Any other is a fault.
