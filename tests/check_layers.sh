@@ -14,16 +14,16 @@ src/exec                    exec/ util/ parser/qry_lib_analyze_info\.h api/qry_l
 src/link                    link/ exec/ parser/ util/ api/qry_lib_db_rowset_lib\.h qrylib/
 src/api                     api/ link/ exec/ parser/ util/ qrylib/ platform/[a-z_]*\.h
 platform                    platform/[a-z_]*\.h
-platform/host               platform/ exec/schema/ util/
+platform/host               platform/ tools/files/ exec/schema/ util/
 tools/platform_check        tools/platform_check/ platform/[a-z_]*\.h exec/schema/ util/settings\.h
 tools/text                  tools/text/ [a-z_]*\.inc qrytext/ qrylib/ api/ link/ exec/ parser/ util/ platform/host/qryhost\.h
 tools/qrysh                 tools/qrysh/ tools/text/ qrytext/ qrylib/ platform/host/qryhost\.h
-tools/qrysh/commands        tools/qrysh/ tools/text/ qrytext/ qrylib/ platform/host/qryhost\.h
+tools/qrysh/commands        tools/qrysh/ tools/files/ tools/text/ qrytext/ qrylib/ platform/host/qryhost\.h
 tools/qrysh/prompt          tools/qrysh/(prompt|printing)/ tools/text/ qrytext/ qrylib/
-tools/qrysh/transfer        tools/qrysh/transfer/ tools/text/ qrytext/ qrylib/ platform/host/qryhost\.h
+tools/qrysh/transfer        tools/qrysh/transfer/ tools/files/ tools/text/ qrytext/ qrylib/ platform/host/qryhost\.h
 tools/qrysh/printing        tools/qrysh/printing/ tools/text/ qrytext/ qrylib/ platform/host/qryhost\.h
-tools/field                 tools/field/ qrytext/ qrylib/ platform/host/qryhost\.h
-tools/files                 tools/files/ qrytext/ qrylib/ platform/host/qryhost\.h
+tools/field                 tools/field/ tools/files/ qrytext/ qrylib/ platform/host/qryhost\.h
+tools/files                 tools/files/
 python                      qrytext/ qrylib/ platform/host/qryhost\.h
 web                         qrytext/ qrylib/ platform/host/qryhost\.h
 examples                    qrytext/ qrylib/ platform/host/qryhost\.h

@@ -38,7 +38,7 @@ std::vector<std::uint8_t> parse_fixture(const std::string &text);
 // The text of a region's file.
 std::string fixture_text(const std::vector<std::uint8_t> &region);
 
-// Writes a region to a file: the file is replaced as a whole or not at all.
+// Writes a region to a file by the rules of tools/files/whole_file.h.
 void save_fixture(const std::string &path, const std::vector<std::uint8_t> &region);
 
 } // namespace qryhost

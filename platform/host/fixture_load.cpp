@@ -6,7 +6,7 @@
 #include "platform/host/fixture.h"
 #include "platform/host/fixture_values.h"
 #include "platform/host/refusal.h"
-#include "platform/host/whole_file.h"
+#include "tools/files/whole_file.h"
 
 namespace qryhost {
 
@@ -342,7 +342,7 @@ std::vector<std::uint8_t> load_text(const std::string &text, const std::string &
 } // namespace
 
 std::vector<std::uint8_t> load_fixture(const std::string &path) {
-    return load_text(read_whole_file(path, file_size_max), path);
+    return load_text(qryfiles::read_file(path, file_size_max), path);
 }
 
 std::vector<std::uint8_t> parse_fixture(const std::string &text) {

@@ -4,7 +4,7 @@
 
 #include "platform/host/fixture.h"
 #include "platform/host/fixture_values.h"
-#include "platform/host/whole_file.h"
+#include "tools/files/whole_file.h"
 
 namespace qryhost {
 
@@ -142,7 +142,7 @@ std::string fixture_text(const std::vector<std::uint8_t> &region) {
 }
 
 void save_fixture(const std::string &path, const std::vector<std::uint8_t> &region) {
-    replace_whole_file(path, fixture_text(region));
+    qryfiles::write_file(path, fixture_text(region));
 }
 
 } // namespace qryhost

@@ -8,8 +8,8 @@
 #include "platform/host/file_lock.h"
 #include "platform/host/file_system.h"
 #include "platform/host/image_header.h"
-#include "platform/host/whole_file.h"
 #include "platform/host/write_in_progress.h"
+#include "tools/files/whole_file.h"
 
 namespace qryhost {
 
@@ -95,13 +95,13 @@ void create_if_absent(const std::string &path) {
     if (errno != ENOENT) {
         return;
     }
-    const std::string folder = folder_of(path);
+    const std::string folder = qryfiles::folder_of(path);
     if (const open_file opened(folder, O_RDONLY | O_DIRECTORY); opened.is_open()) {
         if (const std::string reason = unshared_reason(opened); !reason.empty()) {
             throw refusal(path + ": " + reason);
         }
     }
-    create_whole_file(path, empty_image());
+    qryfiles::create_file(path, empty_image());
 }
 
 bool may_be_readable(int error) {

@@ -73,7 +73,8 @@ int qryhost_load(const char *json_path);
 
 /**
  * Writes records, default records and settings to a JSON file: to a temporary one beside it, which is synced
- * and renamed.
+ * and renamed. A link is followed, the mode of a file that is there is kept and a new one is its owner's alone;
+ * a device or a pipe is written through, and a SQLite file of another program is refused.
  *
  * @param json_path  the file; one that is there is replaced
  * @return 0, or non-zero
