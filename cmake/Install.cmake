@@ -1,5 +1,6 @@
 # What `cmake --install` installs, by component: the library and the platform that it was linked to; headers, two
-# examples and what find_package and pkg-config need; the companion, and what its callers need; the shell.
+# examples and what find_package and pkg-config need; the companion, and what its callers need; the package of Python;
+# the shell.
 include(CMakePackageConfigHelpers)
 
 set(QRYLIB_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/qrylib)
@@ -61,6 +62,20 @@ if(TARGET qrytext)
           COMPONENT companion_development)
 endif()
 
+# The package of Python is found by pytest through the description beside it.
+if(TARGET qrytext)
+  set(QRYLIB_PYTHON_DIR lib/python3/dist-packages CACHE STRING "Where modules of Python are installed")
+  install(DIRECTORY python/qrylib DESTINATION ${QRYLIB_PYTHON_DIR} COMPONENT python
+          FILES_MATCHING PATTERN "*.py" PATTERN "py.typed" PATTERN "__pycache__" EXCLUDE)
+  configure_file(cmake/python/METADATA.in ${PROJECT_BINARY_DIR}/python/METADATA @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/python/METADATA cmake/python/entry_points.txt
+          DESTINATION ${QRYLIB_PYTHON_DIR}/qrylib-${PROJECT_VERSION}.dist-info COMPONENT python)
+  install(DIRECTORY examples/device_tests DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/python3-qrylib/examples
+          COMPONENT python FILES_MATCHING PATTERN "*.py" PATTERN "__pycache__" EXCLUDE)
+  install(FILES examples/office.json DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/python3-qrylib/examples
+          COMPONENT python)
+endif()
+
 if(TARGET qrysh)
   if(QRYLIB_NAMES_ITS_FOLDER)
     file(RELATIVE_PATH QRYLIB_BIN_TO_LIB /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${CMAKE_INSTALL_LIBDIR})
@@ -68,7 +83,6 @@ if(TARGET qrysh)
   endif()
   install(TARGETS qrysh DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT shell)
   install(FILES examples/office.json DESTINATION ${CMAKE_INSTALL_DATADIR}/qrysh COMPONENT shell)
-  install(FILES ${PROJECT_SOURCE_DIR}/docs/qrysh.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT shell)
   file(GLOB QRYLIB_MAN_PAGES CONFIGURE_DEPENDS docs/*.1)
   install(FILES ${QRYLIB_MAN_PAGES} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT shell)
 endif()

@@ -64,13 +64,24 @@ set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SECTION doc)
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
 set(CPACK_COMPONENT_DOCUMENTATION_DESCRIPTION
     "SQL-like access to a device's element tables (documentation)\nThe reference with all pages, the manual pages of the functions, and examples.")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-qrylib)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+    "python3 (>= 3.11), libqrytext1 (>= ${PROJECT_VERSION}), libqrylib1 (>= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS
+    "python3-pandas, python3-pytest, python3-dask, python3-distributed, python3-matplotlib")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/python/postinst
+                                              ${PROJECT_SOURCE_DIR}/cmake/debian/python/prerm)
+set(CPACK_COMPONENT_PYTHON_DESCRIPTION
+    "a device's record stores in Python\nPEP 249, a simulated device, a plugin for pytest, and fleets of devices with Dask.")
 
 set(CPACK_COMPONENTS_ALL runtime development)
 if(QRYLIB_BUILD_REFERENCE)
   list(APPEND CPACK_COMPONENTS_ALL documentation)
 endif()
 if(TARGET qrytext)
-  list(APPEND CPACK_COMPONENTS_ALL companion companion_development)
+  list(APPEND CPACK_COMPONENTS_ALL companion companion_development python)
 endif()
 if(TARGET qrysh)
   list(APPEND CPACK_COMPONENTS_ALL shell)

@@ -9,7 +9,8 @@ if [ "${1:-}" = --build ]; then
     packages+=("${@:2}")
 else
     packages+=(libbenchmark-dev sqlite3 tmux mandoc doxygen clang clang-tidy cppcheck libclang-rt-dev
-        valgrind g++-powerpc-linux-gnu qemu-user abigail-tools gcovr python3 python3-jsonschema spin chromium)
+        valgrind g++-powerpc-linux-gnu qemu-user abigail-tools gcovr python3 python3-jsonschema spin chromium
+        python3-pytest python3-pytest-xdist python3-pandas mypy)
 fi
 
 missing=()
