@@ -20,9 +20,9 @@ class trace_keeper : public qrytext::kept_traces {
 };
 
 void check_places(const qrytext::statement_report &report, const std::string &sql) {
-    for (const qrytext::note &note : report.notes) {
-        fuzz::check(note.from <= note.to && note.to <= sql.size(), "a note stands in the text");
-        fuzz::check(!note.text.empty(), "a note says something");
+    for (const qrytext::finding &note : report.notes) {
+        fuzz::check(note.place + note.length <= sql.size(), "a note stands in the text");
+        fuzz::check(!note.sentence.empty(), "a note says something");
     }
     if (report.refusal) {
         fuzz::check(report.refusal->place <= sql.size() + 1, "a refusal stands in the text");

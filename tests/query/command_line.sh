@@ -55,20 +55,32 @@ expect 0 $'COUNT(\\*)\r\n9\r' '' --fixture "$fixture" --mode csv \
     -f <(printf 'DELETE FROM PSN_TBL\n\n-- some\n  WHERE PSN_ID = 1\nSELECT COUNT(*) FROM PSN_TBL\n')
 expect 0 $'COUNT(\\*)\r\n0\r' '' --fixture "$fixture" --mode csv \
     -f <(printf 'DELETE FROM PSN_TBL\nSELECT COUNT(*) FROM PSN_TBL\n')
-expect 1 $'COUNT(\\*)\r\n10\r' 'error: *write WHERE' --fixture "$fixture" --mode csv \
+expect 1 $'COUNT(\\*)\r\n10\r' $'*write WHERE\nerror: *' --fixture "$fixture" --mode csv \
     -f <(printf 'DELETE FROM PSN_TBL\nwhere PSN_ID = 1\nSELECT COUNT(*) FROM PSN_TBL\n')
 expect 1 $'COUNT(\\*)\r\n0\r' '*no statement begins so*' --fixture "$fixture" --mode csv \
     -f <(printf 'DELETE FROM PSN_TBL;\nWHERE PSN_ID = 1\nSELECT COUNT(*) FROM PSN_TBL\n')
 expect 0 $'COUNT(\\*)\r\n1\r' '' --fixture "$fixture" --mode csv \
     -f <(printf 'UPDATE PSN_TBL SET INTEG_ID = 7\nWHERE PSN_ID = 1\nSELECT COUNT(*) FROM PSN_TBL WHERE INTEG_ID = 7\n')
 
+# A refusal shows its place first, then code and name; the trace only where it is asked for, and colours on no pipe.
+expect 1 '' $'  SELECT \\* FROM PSN_TBL\n         ^ columns are named one by one: write *\nerror: QRY_LIB_INVALID_ARGUMENT (0xDB05): *' \
+    "$refused"
+if [ "$(wc -l <err)" -ne 3 ] || grep -q $'\x1b' err; then
+    echo "a refusal says more than place, code and name"
+    cat err
+    failures=$((failures + 1))
+fi
+expect 1 '' $'  INSERT*\n  *^ expected a number *: write *\nerror: QRY_LIB_NOT_ACCEPTED (0xDB00): not run' \
+    'INSERT INTO PSN_TBL (PSN_ID) VALUES (x)'
+expect 1 '' $'  tables\n  ^^^^^^ no statement begins with "tables": did you mean .tables[?]\nerror: *' tables
+
 # Notes go to standard error; a strict shell runs nothing that gets one.
 dropped='DELETE FROM PSN_TBL WHERE PSN_ID = 1 and PSN_ID = 99'
 expect 0 $'COUNT(\\*)\r\n9\r' 'note: " and PSN_ID = 99" was read as part of the value; keywords are upper case' \
     --fixture "$fixture" --mode csv "$dropped" "$count"
-expect 1 $'COUNT(\\*)\r\n10\r' 'note: *error: not run: a note stands against it*' --fixture "$fixture" --mode csv --strict \
+expect 1 $'COUNT(\\*)\r\n10\r' 'note: *error: *: not run: a note stands against it' --fixture "$fixture" --mode csv --strict \
     "$dropped" "$count"
-expect 1 $'COUNT(\\*)\r\n10\r' '*error: not run*' --fixture "$fixture" --mode csv -c '.strict on' "$dropped" "$count"
+expect 1 $'COUNT(\\*)\r\n10\r' '*error: *: not run: *' --fixture "$fixture" --mode csv -c '.strict on' "$dropped" "$count"
 expect 0 $'COUNT(\\*)\r\n9\r' 'note: *' --fixture "$fixture" --mode csv --strict -c '.strict off' "$dropped" "$count"
 
 # What was changed is counted, what failed half-way included.
@@ -82,7 +94,7 @@ expect 1 '' '*before this failed: 2 records deleted' --fixture "$fixture" -c '.f
 
 # Scripts may be kept from changing every record.
 for change in 'DELETE FROM PSN_TBL' 'DROP TABLE PSN_TBL;' 'UPDATE PSN_TBL SET INTEG_ID = 1'; do
-    expect 1 '' 'error: this takes every record*--safe-updates' --safe-updates --fixture "$fixture" "$change"
+    expect 1 '' '*this takes every record, and safe updates are on: write a condition*error: * not run' --safe-updates --fixture "$fixture" "$change"
 done
 expect 0 '' '1 record deleted' --safe-updates --fixture "$fixture" 'DELETE FROM PSN_TBL WHERE PSN_ID = 1'
 
@@ -99,8 +111,8 @@ expect 0 '' '' '.read script.sql' "$count"
 HOME=$scratch expect 0 '' '' '.read ~/script.sql' "$count"
 
 # What is asked for may be refused as a whole.
-expect 1 '' 'error: only SELECT may run*' --readonly 'DELETE FROM PSN_TBL'
-expect 1 '' 'error: only SELECT may run*' --readonly 'UPDATE PSN_TBL SET PSN_ID = 1'
+expect 1 '' '*only SELECT may run here*error: * not run' --readonly 'DELETE FROM PSN_TBL'
+expect 1 '' '*only SELECT may run here*error: * not run' --readonly 'UPDATE PSN_TBL SET PSN_ID = 1'
 expect 1 '' 'error: .load changes records*' --readonly '.load x.json'
 expect 1 '' 'error: a sweep of a change*' --readonly '.fault sweep DELETE FROM PSN_TBL'
 expect 0 $'COUNT*' '' --readonly "$count"
@@ -112,11 +124,11 @@ expect 1 '' 'error: .dump to a file touches files*' --safe '.dump x.sql'
 expect 0 '' '' --safe '.dump PSN_TBL'
 
 # --bail stops at the first error.
-expect 1 '' 'error: *' --bail "$refused" "$count"
-expect 1 '' 'error: *' --bail -c "$refused" "$count"
+expect 1 '' '*error: *' --bail "$refused" "$count"
+expect 1 '' '*error: *' --bail -c "$refused" "$count"
 
 # A failure anywhere is the run's, and later statements still run.
-expect 1 $'COUNT(\\*)\n--------\n       0\n(1 row)' 'error: QRY_LIB_INVALID_ARGUMENT (0xDB05): *' "$refused" "$count"
+expect 1 $'COUNT(\\*)\n--------\n       0\n(1 row)' '*error: QRY_LIB_INVALID_ARGUMENT (0xDB05): *' "$refused" "$count"
 expect 1 '' '*exec_select_proc():\[Return\]:(408) (0x0000DB05)  -- a selected column is not in the table, "\*" included (0xDB05)'*'error: *' --trace "$refused"
 expect 1 '' 'error: there is no command .nothing*' .nothing
 expect 1 '' 'error: *' .nothing .quit
@@ -216,7 +228,7 @@ fi
 
 # What a statement cost is said beside its answer, and also of one that is refused.
 expect 0 $'COUNT*' 'time 0.?????? s; 1 rows; * blocks, at most * bytes at once; calls: alloc *' '.timer on' "$count"
-expect 1 '' $'error: *\ntime 0.?????? s; 0 rows; *' '.timer on' "$refused"
+expect 1 '' $'*error: *\ntime 0.?????? s; 0 rows; *' '.timer on' "$refused"
 expect 0 $'COUNT*' '' '.timer on' '.timer off' "$count"
 
 [ "$failures" -eq 0 ]

@@ -120,6 +120,22 @@ start QRYSH_HISTORY=/nowhere/history
 type_line '.help .quit'
 expect '^\.quit  leave the shell$'
 
+# Errors are coloured, unless nobody wants it.
+start
+type_line 'SELECT X FROM PSN_TBL'
+expect '^error: QRY_LIB_INVALID_ARGUMENT'
+terminal capture-pane -p -e -t shell >"$scratch/coloured"
+grep -q $'\x1b\\[[0-9;]*31m *\\^ PSN_TBL has no column' "$scratch/coloured"
+grep -q $'^error:\x1b' "$scratch/coloured"
+start NO_COLOR=1
+type_line 'SELECT X FROM PSN_TBL'
+expect '^error: QRY_LIB_INVALID_ARGUMENT'
+terminal capture-pane -p -e -t shell >"$scratch/plain"
+if grep -q $'\x1b\\[[0-9;]*31m' "$scratch/plain"; then
+    echo "NO_COLOR was not obeyed"
+    exit 1
+fi
+
 # A change of every record asks first, and takes nothing but yes. A paste goes on with its WHERE.
 start
 type_line 'DELETE FROM PSN_TBL'

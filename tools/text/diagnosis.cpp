@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "tools/text/clauses.h"
 #include "tools/text/engine.h"
 #include "tools/text/foreign_words.h"
 #include "tools/text/schema.h"
@@ -28,7 +29,7 @@ std::optional<finding> at_semicolon(const std::string &sql) {
     if (!begins_statement(rest) && rest.substr(0, 2) != "--") {
         return std::nullopt;
     }
-    return finding{place, 1, "a line holds one statement and nothing behind it"};
+    return finding{place, 1, "a line holds one statement", "write the next one on a line of its own"};
 }
 
 // A device may keep no records of a table at all.
@@ -37,11 +38,22 @@ std::optional<finding> no_room(const std::string &db_name, const std::string &sq
         return std::nullopt;
     }
     const std::string table = parse_write_statement(sql).table;
-    if (table_capacity(db_name, table) > 0) {
-        return std::nullopt;
+    const auto capacity = table_capacity(db_name, table);
+    const std::size_t place = find_word(sql, table).value_or(0);
+    if (capacity == 0) {
+        return finding{place, table.size(), fmt::format("this device keeps no {} records", table),
+                       "write to a table with a capacity; .tables lists them"};
     }
-    return finding{find_word(sql, table).value_or(0), table.size(),
-                   fmt::format("this device keeps no {} records", table)};
+    return finding{place, table.size(), fmt::format("all {} records of {} are in use", capacity, table),
+                   "DELETE a record first, or give the key of one"};
+}
+
+// An UPDATE that matches nothing.
+std::optional<finding> no_match(const std::string &sql) {
+    const text_span condition = clauses_of(sql).condition;
+    return finding{condition.length > 0 ? condition.place : 0,
+                   condition.length > 0 ? condition.length : sql.size(), "no record matches",
+                   "ask with a SELECT which records there are"};
 }
 
 } // namespace
@@ -55,6 +67,9 @@ std::optional<finding> diagnose(const std::string &db_name, const std::string &s
     }
     if (code == QRY_LIB_NO_FREE_ENTRY) {
         return no_room(db_name, sql);
+    }
+    if (code == QRY_LIB_NO_SUCH_ITEM) {
+        return no_match(sql);
     }
     if (std::optional<finding> place = may_be_a_name ? find_foreign_word(sql) : std::nullopt) {
         return place;

@@ -19,13 +19,17 @@ bool is_separated(std::string_view text, std::size_t place) {
 
 } // namespace
 
+std::string with_hint(const finding &found, std::string_view between) {
+    return found.hint.empty() ? found.sentence : fmt::format("{}{}{}", found.sentence, between, found.hint);
+}
+
 std::string point_at(std::string_view text, const finding &found) {
+    const std::string said = with_hint(found, ": ");
     const std::size_t place = std::min(found.place, text.size());
     const std::size_t before = text_width(printable(text.substr(0, place)));
     const std::size_t under = text_width(printable(text.substr(place, found.length)));
     return fmt::format("  {}\n  {}{}{}{}\n", printable(text), std::string(before, ' '),
-                       std::string(std::max<std::size_t>(under, 1), '^'), found.sentence.empty() ? "" : " ",
-                       found.sentence);
+                       std::string(std::max<std::size_t>(under, 1), '^'), said.empty() ? "" : " ", said);
 }
 
 std::optional<std::size_t> find_word(std::string_view text, std::string_view word, std::size_t from) {

@@ -1,4 +1,4 @@
-// A place in a statement's text and what is wrong there.
+// A place in a statement's text and what is to be said of it: why it is refused, or what became of it.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +16,10 @@ struct finding {
     bool is_unknown = false; // no word of the dialect is near: the reader may have words of its own
 };
 
-// The text, a caret under each column of the place, and the sentence, which may be empty.
+// The sentence and, behind `between`, the hint where there is one.
+std::string with_hint(const finding &found, std::string_view between);
+
+// The text, and a caret under each column of the place with what is to be said of it, which may be empty.
 std::string point_at(std::string_view text, const finding &found);
 
 // The first place at or behind `from` where `word` stands between separators: blanks and the signs of the

@@ -17,21 +17,20 @@ namespace {
 
 constexpr double microseconds = 1e6;
 
-json_value place_json(std::size_t from, std::size_t to, std::string_view text, std::string_view hint) {
-    return {{"from", from}, {"to", to}, {"text", json_text(text)}, {"hint", json_text(hint)}};
+json_value finding_json(const finding &found) {
+    return {{"from", found.place},
+            {"to", found.place + found.length},
+            {"text", json_text(found.sentence)},
+            {"hint", json_text(found.hint)}};
 }
 
 json_value refusal_json(const std::optional<finding> &refusal) {
-    return refusal ? place_json(refusal->place, refusal->place + refusal->length, refusal->sentence,
-                                refusal->hint)
-                   : json_value(nullptr);
+    return refusal ? finding_json(*refusal) : json_value(nullptr);
 }
 
-json_value notes_json(const std::vector<note> &notes) {
+json_value notes_json(const std::vector<finding> &notes) {
     json_value list = json_value::array();
-    for (const note &one : notes) {
-        list.push_back(place_json(one.from, one.to, one.text, one.hint));
-    }
+    std::transform(notes.begin(), notes.end(), std::back_inserter(list), finding_json);
     return list;
 }
 

@@ -54,9 +54,14 @@ std::string nearest(std::string_view name, const std::vector<std::string> &candi
     return best;
 }
 
-std::string did_you_mean(std::string_view name, const std::vector<std::string> &candidates) {
+std::string near_hint(std::string_view name, const std::vector<std::string> &candidates) {
     const std::string near = nearest(name, candidates);
-    return near.empty() ? "" : "; did you mean " + near + "?";
+    return near.empty() ? "" : "did you mean " + near + "?";
+}
+
+std::string did_you_mean(std::string_view name, const std::vector<std::string> &candidates) {
+    const std::string hint = near_hint(name, candidates);
+    return hint.empty() ? "" : "; " + hint;
 }
 
 } // namespace qrytext

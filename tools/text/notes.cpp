@@ -36,7 +36,7 @@ class note_finder {
     note_finder(const std::string &db_name, const std::string &sql, const query &asked)
         : db_name_(db_name), sql_(sql), asked_(asked), parts_(clauses_of(sql)) {}
 
-    std::vector<note> find() {
+    std::vector<finding> find() {
         look_at_columns();
         look_at_values();
         look_at_conditions();
@@ -50,7 +50,7 @@ class note_finder {
     }
 
     void add(text_span span, std::string text, std::string hint) {
-        notes_.push_back({span.place, span.place + span.length, std::move(text), std::move(hint)});
+        notes_.push_back({span.place, span.length, std::move(text), std::move(hint)});
     }
 
     std::string table_of(const std::string &column) const {
@@ -143,8 +143,14 @@ class note_finder {
         }
         const std::vector<text_span> values = one.is_list ? list_items(one) : std::vector{value_span(one)};
         for (std::size_t i = 0; i < std::min(values.size(), one.kept.size()); ++i) {
-            if (const auto column = find(one.kept[i].column)) {
-                note_compared_value(sql_, values[i], one.kept[i], *column, notes_);
+            const query_condition &kept = one.kept[i];
+            const auto column = find(kept.column);
+            if (column && !kept.quoted && find(kept.value)) {
+                add(values[i],
+                    fmt::format("{} was read as a value, not as the column of that name", kept.value),
+                    "a column is compared with values alone");
+            } else if (column) {
+                note_compared_value(sql_, values[i], kept, *column, notes_);
             }
         }
     }
@@ -215,12 +221,12 @@ class note_finder {
     const std::string &sql_;
     const query &asked_;
     clauses parts_;
-    std::vector<note> notes_;
+    std::vector<finding> notes_;
 };
 
 } // namespace
 
-std::vector<note> find_notes(const std::string &db_name, const std::string &sql) {
+std::vector<finding> find_notes(const std::string &db_name, const std::string &sql) {
     const std::optional<query> asked = read_query(db_name, sql);
     if (!asked) {
         return {};
@@ -228,7 +234,7 @@ std::vector<note> find_notes(const std::string &db_name, const std::string &sql)
     if (asked->type == QRY_LIB_DB_QUERY_TYPE_CREATE) {
         return {{0, sql.size(), "CREATE is accepted and does nothing", "the tables are the device's own"}};
     }
-    return asked->tables.empty() ? std::vector<note>() : note_finder(db_name, sql, *asked).find();
+    return asked->tables.empty() ? std::vector<finding>() : note_finder(db_name, sql, *asked).find();
 }
 
 } // namespace qrytext

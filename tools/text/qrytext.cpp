@@ -94,16 +94,19 @@ std::string text_of_statement(const char *statement) {
     return std::string(without_semicolon(statement));
 }
 
+void move_place(const bound_statement &bound, finding &found) {
+    const std::size_t end = bound.place_before(found.place + found.length);
+    found.place = bound.place_before(found.place);
+    found.length = std::max(end, found.place) - found.place;
+}
+
 // Places in the text with the values become places in the text with the "?".
 void move_places(const bound_statement &bound, statement_report &report) {
-    for (note &one : report.notes) {
-        one.from = bound.place_before(one.from);
-        one.to = bound.place_before(one.to);
+    for (finding &note : report.notes) {
+        move_place(bound, note);
     }
     if (report.refusal) {
-        const std::size_t end = bound.place_before(report.refusal->place + report.refusal->length);
-        report.refusal->place = bound.place_before(report.refusal->place);
-        report.refusal->length = std::max(end, report.refusal->place) - report.refusal->place;
+        move_place(bound, *report.refusal);
     }
 }
 

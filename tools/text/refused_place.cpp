@@ -22,6 +22,11 @@ struct refusal {
     std::optional<finding> (*locate)(const std::string &sql, const refusal &row);
     std::string_view word; // the keyword that the rule is about
     std::string_view sentence;
+    std::string_view hint = {};
+
+    finding at(std::size_t place, std::size_t length) const {
+        return {place, length, std::string(sentence), std::string(hint)};
+    }
 };
 
 // Where the keyword stands, as the parser sees it: between blanks, or at the very start.
@@ -41,7 +46,8 @@ std::optional<finding> not_in_capitals(const std::string &sql, std::string_view 
     if (!place || sql.compare(*place, word.size(), word) == 0) {
         return std::nullopt;
     }
-    return finding{*place, word.size(), fmt::format("keywords are upper case: write {}", word)};
+    const advice found = write_in_capitals(word);
+    return finding{*place, word.size(), found.sentence, found.hint};
 }
 
 // The word with the keyword's letters in another order: FORM for FROM.
@@ -53,7 +59,10 @@ std::optional<finding> misspelt(const std::string &sql, std::string_view keyword
         std::string word = in_capitals(std::string_view(sql).substr(begin, end - begin));
         std::sort(word.begin(), word.end());
         if (word == letters) {
-            return finding{begin, end - begin, fmt::format("expected {}", keyword)};
+            const std::string_view written = std::string_view(sql).substr(begin, end - begin);
+            return finding{begin, end - begin,
+                           fmt::format("expected {}, not {}", keyword, printable(written)),
+                           fmt::format("write {}", keyword)};
         }
         begin = end + 1;
     }
@@ -64,7 +73,8 @@ std::optional<finding> misspelt(const std::string &sql, std::string_view keyword
 std::optional<finding> find_repeated(const std::string &sql, const refusal &row) {
     const std::vector<std::size_t> places = places_of(sql, row.word);
     if (places.size() > 1) {
-        return finding{places[1], row.word.size(), fmt::format("{} is repeated", row.word)};
+        return finding{places[1], row.word.size(), fmt::format("{} is repeated", row.word),
+                       fmt::format("write {} once", row.word)};
     }
     if (!places.empty()) {
         return std::nullopt;
@@ -75,20 +85,25 @@ std::optional<finding> find_repeated(const std::string &sql, const refusal &row)
     if (std::optional<finding> word = misspelt(sql, row.word)) {
         return word;
     }
-    return finding{sql.size(), 0, fmt::format("expected {}, once, between blanks", row.word)};
+    return finding{sql.size(), 0, fmt::format("expected {}", row.word),
+                   fmt::format("write {} once, between blanks", row.word)};
 }
+
+constexpr std::string_view expected_table = "expected a table";
+constexpr std::string_view name_table = "write FROM TABLE";
 
 // FROM right behind SELECT shares its blank, and one at the very end has none behind it.
 std::optional<finding> at_from(const std::string &sql, const refusal &row) {
     constexpr std::string_view without_columns = "SELECT FROM ";
     if (const std::size_t place = sql.find(without_columns); place != std::string::npos) {
         return finding{place + without_columns.size() - 1 - row.word.size(), row.word.size(),
-                       "expected columns before FROM"};
+                       "expected columns before FROM", "write COLUMN, COLUMN or COUNT(*)"};
     }
     const std::string_view text = trim(sql);
     const bool is_last =
         text.size() > row.word.size() && text.substr(text.size() - row.word.size() - 1) == " FROM";
-    return is_last ? finding{sql.size(), 0, "expected a table"} : find_repeated(sql, row);
+    return is_last ? finding{sql.size(), 0, std::string(expected_table), std::string(name_table)}
+                   : find_repeated(sql, row);
 }
 
 std::optional<finding> at_keyword(const std::string &sql, const refusal &row) {
@@ -96,18 +111,18 @@ std::optional<finding> at_keyword(const std::string &sql, const refusal &row) {
     if (place == std::string::npos) {
         return std::nullopt;
     }
-    return finding{place, row.word.size(), std::string(row.sentence)};
+    return row.at(place, row.word.size());
 }
 
 std::optional<finding> before_keyword(const std::string &sql, const refusal &row) {
     const std::vector<std::size_t> places = places_of(sql, row.word);
     const std::size_t first = std::min(sql.find_first_not_of(' '), sql.size());
     const std::size_t end = places.empty() ? sql.size() : std::max(places[0], first + 1) - 1;
-    return finding{first, std::max<std::size_t>(end - first, 1), std::string(row.sentence)};
+    return row.at(first, std::max<std::size_t>(end - first, 1));
 }
 
 std::optional<finding> at_end(const std::string &sql, const refusal &row) {
-    return finding{sql.size(), 0, std::string(row.sentence)};
+    return row.at(sql.size(), 0);
 }
 
 // The first item of the list behind the keyword that has nothing in it.
@@ -124,8 +139,7 @@ std::optional<finding> at_empty_item(const std::string &sql, const refusal &row)
     for (std::size_t item = begin; item <= end;) {
         const std::size_t comma = std::min(sql.find(',', item), end);
         if (trim(std::string_view(sql).substr(item, comma - item)).empty()) {
-            return finding{std::min(comma, sql.size()), comma < end ? std::size_t{1} : std::size_t{0},
-                           std::string(row.sentence)};
+            return row.at(std::min(comma, sql.size()), comma < end ? 1 : 0);
         }
         item = comma + 1;
     }
@@ -142,25 +156,29 @@ std::optional<finding> at_unknown_statement(const std::string &sql, const refusa
     static const std::vector<std::string> known = {"SELECT", "INSERT", "UPDATE", "DELETE", "DROP", "CREATE"};
     const std::size_t begin = std::min(sql.find_first_not_of(' '), sql.size());
     const std::string word = sql.substr(begin, std::min(sql.find(' ', begin), sql.size()) - begin);
+    if (word.find('\t') != std::string::npos) {
+        return finding{begin, word.size(), "only blanks divide words, not tabs", "write a blank"};
+    }
     const std::string near = nearest(word, known);
     if (near == word) {
         const std::string_view partner = word == "DELETE" ? "FROM" : "TABLE";
-        return finding{begin + word.size(), 0, fmt::format("expected {} after {}", partner, word)};
+        return finding{begin + word.size(), 0, fmt::format("expected {} after {}", partner, word),
+                       fmt::format("write {} {} TABLE", word, partner)};
     }
     if (near == in_capitals(word)) {
-        return finding{begin, word.size(), fmt::format("keywords are upper case: write {}", near)};
+        const advice found = write_in_capitals(near);
+        return finding{begin, word.size(), found.sentence, found.hint};
     }
-    if (std::string advice = advice_for_verb(word); !advice.empty()) {
-        return finding{begin, word.size(), std::move(advice)};
+    if (const std::optional<advice> found = advice_for_verb(word)) {
+        return finding{begin, word.size(), found->sentence, found->hint};
     }
     if (begins_clause(word)) {
         return finding{begin, word.size(),
-                       "no statement begins so: the line before stood whole, and was answered"};
+                       "no statement begins so; the line before stood whole, and was answered",
+                       "write the statement on one line, or end it with ;"};
     }
-    return finding{
-        begin, word.size(),
-        fmt::format("no statement begins with \"{}\"{}", printable(word), did_you_mean(word, known)), "",
-        near.empty()};
+    return finding{begin, word.size(), fmt::format("no statement begins with \"{}\"", printable(word)),
+                   near_hint(word, known), near.empty()};
 }
 
 // AND and OR in one condition: the first word that is not like those before it.
@@ -172,7 +190,7 @@ std::optional<finding> at_mixed_join(const std::string &sql, const refusal & /*r
         return std::nullopt;
     }
     return finding{std::max(and_place, or_place) + 1, or_place > and_place ? std::size_t{2} : std::size_t{3},
-                   "AND and OR do not mix in one condition"};
+                   "AND and OR do not mix in one condition", "write two statements"};
 }
 
 // The part of the refused comparison that the rule is about; all of it where that part is not to be found.
@@ -184,9 +202,8 @@ std::optional<finding> in_condition(const std::string &sql, const refusal &row, 
     }
     const std::string_view text = std::string_view(sql).substr(fault->place, fault->length);
     const text_span part = narrow(text);
-    return part.place == std::string_view::npos
-               ? finding{fault->place, fault->length, std::string(row.sentence)}
-               : finding{fault->place + part.place, part.length, std::string(row.sentence)};
+    return part.place == std::string_view::npos ? row.at(fault->place, fault->length)
+                                                : row.at(fault->place + part.place, part.length);
 }
 
 std::optional<finding> at_condition(const std::string &sql, const refusal &row) {
@@ -211,13 +228,34 @@ std::optional<finding> from_quote(const std::string &sql, const refusal &row) {
     const std::string_view rest =
         std::string_view(sql).substr(place ? place->place + place->length : sql.size());
     if (rest.substr(0, 5) == " AND " || rest.substr(0, 4) == " OR ") {
-        place->sentence += "; AND and OR divide conditions even inside quotes";
+        place->hint = "AND and OR divide conditions even inside quotes";
     }
     return place;
 }
 
+// A name or value that begins with IN where one value is meant, as in "= INTEG_ID".
+std::optional<finding> at_word_with_in(const std::string &sql) {
+    const std::optional<text_span> fault = find_condition_fault(sql);
+    const std::size_t begin = fault ? sql.find(" IN", fault->place) + 1 : 0;
+    const std::size_t before = begin == 0 ? 0 : sql.find_last_not_of(' ', begin - 1);
+    const std::string word = sql.substr(begin, sql.find_first_of(" (),'", begin) - begin);
+    if (begin == 0 || word.size() < 3 || word == "INLIKE" ||
+        std::string_view("=<>").find(sql[before]) == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const bool is_joined = word.find('.') != std::string::npos;
+    return finding{begin, word.size(),
+                   fmt::format("{} begins with IN, which is found anywhere behind a blank", printable(word)),
+                   is_joined ? fmt::format("write {}{}, without the blank", sql[before], printable(word))
+                             : fmt::format("write '{}' for a text; a column is compared with values alone",
+                                           printable(word))};
+}
+
 // IN as the parser finds it, and the word that it may be the beginning of.
 std::optional<finding> at_list_word(const std::string &sql, const refusal &row) {
+    if (std::optional<finding> word = at_word_with_in(sql)) {
+        return word;
+    }
     return in_condition(sql, row, [](std::string_view text) {
         const std::size_t in = text.find(" IN");
         if (in == std::string_view::npos) {
@@ -234,67 +272,73 @@ std::optional<finding> at_sort_phrase(const std::string &sql, const refusal &row
     }
     const std::size_t begin = by + 4;
     const std::size_t place = row.word.empty() ? begin : std::min(sql.find(row.word, begin), sql.size());
-    return finding{place, row.word.empty() ? sql.size() - begin : row.word.size(), std::string(row.sentence)};
+    return row.at(place, row.word.empty() ? sql.size() - begin : row.word.size());
 }
 
 constexpr std::string_view no_text_before = "nothing may stand before the statement";
-constexpr std::string_view expected_table = "expected a table";
 constexpr std::string_view open_quote = "the quote is not closed";
+constexpr std::string_view close_quote = "write 'TEXT'";
 constexpr std::string_view no_percent = "a pattern ends with %";
+constexpr std::string_view write_prefix = "write LIKE 'beginning%'";
 constexpr std::string_view bad_list =
     "IN is found anywhere behind a blank, and wants values between brackets";
+constexpr std::string_view write_list = "write COLUMN IN (1, 2)";
 constexpr std::string_view bad_item = "expected a value";
+constexpr std::string_view write_value = "write COLUMN = 1 or COLUMN = 'TEXT'";
+constexpr std::string_view write_link = "write TABLE.COLUMN = TABLE.COLUMN";
 
 constexpr refusal refusals[] = {
     {"divide_select_reserve_str", 936, find_repeated, "SELECT", ""},
     {"divide_select_reserve_str", 945, before_keyword, "SELECT", no_text_before},
     {"divide_select_reserve_str", 957, at_from, "FROM", ""},
-    {"divide_select_reserve_str", 967, at_keyword, "FROM", "expected columns before FROM"},
+    {"divide_select_reserve_str", 967, at_keyword, "FROM", "expected columns before FROM",
+     "write COLUMN, COLUMN or COUNT(*)"},
     {"divide_select_reserve_str", 985, find_repeated, "ORDER", ""},
     {"divide_select_reserve_str", 985, find_repeated, "BY", ""},
     {"divide_select_reserve_str", 1007, find_repeated, "WHERE", ""},
-    {"divide_select_reserve_str", 1019, at_end, "", expected_table},
-    {"analyze_sql", 447, at_keyword, "ORDER", "only a SELECT is sorted"},
+    {"divide_select_reserve_str", 1019, at_end, "", expected_table, name_table},
+    {"analyze_sql", 447, at_keyword, "ORDER", "only a SELECT is sorted",
+     "write the statement without ORDER BY"},
     {"analyze_sql", 459, find_repeated, "CREATE", ""},
     {"analyze_sql", 459, find_repeated, "TABLE", ""},
     {"analyze_sql", 482, find_repeated, "DROP", ""},
     {"analyze_sql", 482, find_repeated, "TABLE", ""},
     {"analyze_sql", 493, before_keyword, "DROP", no_text_before},
-    {"analyze_sql", 503, at_keyword, "WHERE", "DROP TABLE takes no condition; DELETE FROM does"},
-    {"analyze_sql", 510, at_end, "", expected_table},
+    {"analyze_sql", 503, at_keyword, "WHERE", "DROP TABLE takes no condition", "write DELETE FROM"},
+    {"analyze_sql", 510, at_end, "", expected_table, "write DROP TABLE TABLE"},
     {"analyze_sql", 528, find_repeated, "DELETE", ""},
     {"analyze_sql", 528, find_repeated, "FROM", ""},
     {"analyze_sql", 533, at_unknown_statement, "", ""},
     {"analyze_sql", 543, before_keyword, "DELETE", no_text_before},
     {"analyze_sql", 559, find_repeated, "WHERE", ""},
-    {"analyze_sql", 579, at_end, "", expected_table},
-    {"analyze_sql_select", 191, at_empty_item, "FROM", expected_table},
-    {"analyze_sql_select", 242, at_keyword, "COUNT(*)", "COUNT(*) stands alone"},
-    {"analyze_sql_select", 249, at_keyword, "ORDER", "a count is not sorted"},
-    {"analyze_sql_select", 289, at_empty_item, "SELECT", "expected a column"},
+    {"analyze_sql", 579, at_end, "", expected_table, name_table},
+    {"analyze_sql_select", 191, at_empty_item, "FROM", expected_table, name_table},
+    {"analyze_sql_select", 242, at_keyword, "COUNT(*)", "COUNT(*) stands alone",
+     "write SELECT COUNT(*) FROM"},
+    {"analyze_sql_select", 249, at_keyword, "ORDER", "a count is not sorted", "write it without ORDER BY"},
+    {"analyze_sql_select", 289, at_empty_item, "SELECT", "expected a column", "write COLUMN, COLUMN"},
     {"set_filter_str", 1527, at_mixed_join, "", ""},
-    {"divide_operate", 1257, at_sign, "==", "== is not an operator: write ="},
-    {"divide_operate", 1271, at_condition, "",
-     "no operator: =, !=, <, >, <=, >=, or LIKE, IN, INLIKE with blanks"},
-    {"divide_operate", 1294, at_condition, "", "expected a column"},
-    {"divide_operate", 1300, behind_condition, "", "expected a value"},
-    {"divide_operate", 1315, at_list_word, "", bad_list},
-    {"divide_operate", 1330, at_condition, "", bad_item},
-    {"divide_operate", 1337, from_quote, "", open_quote},
-    {"divide_operate", 1347, at_condition, "", no_percent},
-    {"divide_operate", 1370, at_condition, "", bad_item},
-    {"divide_operate", 1377, from_quote, "",
-     "the quote is not closed (a comma divides the list even inside quotes)"},
-    {"divide_operate", 1387, at_condition, "", no_percent},
-    {"divide_operate", 1408, from_quote, "", open_quote},
-    {"divide_operate", 1416, at_condition, "", no_percent},
-    {"analyze_sort", 2182, at_sort_phrase, ",", "one column sorts, not several"},
-    {"analyze_sort", 2194, at_sort_phrase, "", "ASC or DESC, not both"},
-    {"analyze_sort", 2226, at_sort_phrase, "", "the direction is repeated"},
-    {"analyze_sort", 2243, at_sort_phrase, "", "expected a column before the direction"},
-    {"set_link_filter_cols", 1745, at_end, "",
-     "each further table needs a condition TABLE.COLUMN = TABLE.COLUMN"},
-    {"set_link_filter_cols", 1824, at_keyword, "WHERE", "tables are joined with = and AND alone"},
+    {"divide_operate", 1257, at_sign, "==", "== is not an operator", "write ="},
+    {"divide_operate", 1271, at_condition, "", "no operator",
+     "write =, !=, <, >, <=, >=, or LIKE, IN, INLIKE with blanks"},
+    {"divide_operate", 1294, at_condition, "", "expected a column", write_value},
+    {"divide_operate", 1300, behind_condition, "", bad_item, write_value},
+    {"divide_operate", 1315, at_list_word, "", bad_list, write_list},
+    {"divide_operate", 1330, at_condition, "", bad_item, write_list},
+    {"divide_operate", 1337, from_quote, "", open_quote, close_quote},
+    {"divide_operate", 1347, at_condition, "", no_percent, "write INLIKE ('beginning%')"},
+    {"divide_operate", 1370, at_condition, "", bad_item, write_list},
+    {"divide_operate", 1377, from_quote, "", open_quote, "a comma divides the list even inside quotes"},
+    {"divide_operate", 1387, at_condition, "", no_percent, "write INLIKE ('beginning%')"},
+    {"divide_operate", 1408, from_quote, "", open_quote, close_quote},
+    {"divide_operate", 1416, at_condition, "", no_percent, write_prefix},
+    {"analyze_sort", 2182, at_sort_phrase, ",", "one column sorts, not several", "write one column"},
+    {"analyze_sort", 2194, at_sort_phrase, "", "ASC or DESC, not both", "write one of them"},
+    {"analyze_sort", 2226, at_sort_phrase, "", "the direction is repeated", "write it once"},
+    {"analyze_sort", 2243, at_sort_phrase, "", "expected a column before the direction",
+     "write ORDER BY COLUMN DESC"},
+    {"set_link_filter_cols", 1745, at_end, "", "each further table needs a condition of its own", write_link},
+    {"set_link_filter_cols", 1824, at_keyword, "WHERE", "tables are joined with = and AND alone", write_link},
 };
 
 // The name and line of "name():[Return]:(line) ...".

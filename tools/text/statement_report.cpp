@@ -10,7 +10,8 @@
 #include "tools/text/clauses.h"
 #include "tools/text/diagnosis.h"
 #include "tools/text/engine.h"
-#include "tools/text/explanation.h"
+#include "tools/text/foreign_words.h"
+#include "tools/text/notes.h"
 #include "tools/text/query_reader.h"
 #include "tools/text/schema.h"
 #include "tools/text/statement_text.h"
@@ -91,13 +92,17 @@ std::optional<finding> objection(const std::string &sql, const run_rules &rules)
     if (rules.readonly && kind_of(sql) != statement_kind::select) {
         return whole(sql, "only SELECT may run here");
     }
+    if (rules.safe_updates && takes_every_record(sql)) {
+        return finding{0, sql.size(), "this takes every record, and safe updates are on",
+                       "write a condition behind WHERE"};
+    }
     return sql.find('\0') == std::string::npos
                ? std::nullopt
                : std::optional(whole(sql, "a statement must not hold a zero byte"));
 }
 
 // What a look at the statement needs may be missing just now: then nothing is said, and nothing is lost.
-std::vector<note> notes_of(const std::string &db_name, const std::string &sql, kept_traces &traces) {
+std::vector<finding> notes_of(const std::string &db_name, const std::string &sql, kept_traces &traces) {
     const kept_traces::pause quiet(traces);
     try {
         return find_notes(db_name, sql);
@@ -159,10 +164,21 @@ bool is_about_text(std::uint32_t code) {
     return code == QRY_LIB_NOT_ACCEPTED || code == QRY_LIB_INVALID_ARGUMENT || code == QRY_LIB_TABLE_ARGUMENT;
 }
 
+// An INSERT or UPDATE that cannot be read: a word of another dialect says more than what was expected
+// instead.
+finding unreadable(const std::string &sql, const syntax_error &error) {
+    const std::size_t place = std::min(error.place() - 1, sql.size());
+    const std::size_t end = std::min(sql.find_first_of(" ,()='", place), sql.size());
+    if (const std::optional<advice> said = advice_for(sql.substr(place, end - place))) {
+        return {place, end - place, said->sentence, said->hint};
+    }
+    const std::size_t length = std::max<std::size_t>(end - place, place < sql.size() ? 1 : 0);
+    return {place, length, error.sentence(), error.hint()};
+}
+
 // The first note is the refusal of a strict run.
-statement_report refuse_for(std::vector<note> notes, const std::string &sql) {
-    const note &first = notes.front();
-    statement_report report = refused(sql, {first.from, first.to - first.from, first.text, first.hint});
+statement_report refuse_for(std::vector<finding> notes, const std::string &sql) {
+    statement_report report = refused(sql, notes.front());
     report.notes = std::move(notes);
     return report;
 }
@@ -178,7 +194,7 @@ statement_report run_statement(const std::string &db_name, const std::string &sq
     }
     try {
         if (rules.strict) {
-            std::vector<note> notes = notes_of(db_name, sql, traces);
+            std::vector<finding> notes = notes_of(db_name, sql, traces);
             return notes.empty() ? run_in_library(db_name, sql, traces) : refuse_for(std::move(notes), sql);
         }
         statement_report report = run_in_library(db_name, sql, traces);
@@ -187,7 +203,7 @@ statement_report run_statement(const std::string &db_name, const std::string &sq
         }
         return report;
     } catch (const syntax_error &error) {
-        return refused(sql, {error.place() - 1, 1, error.sentence()});
+        return refused(sql, unreadable(sql, error));
     }
 }
 
@@ -197,7 +213,7 @@ statement_report check_statement(const std::string &db_name, const std::string &
         return refused(sql, std::move(*place));
     }
     try {
-        std::vector<note> notes = notes_of(db_name, sql, traces);
+        std::vector<finding> notes = notes_of(db_name, sql, traces);
         if (rules.strict && !notes.empty()) {
             return refuse_for(std::move(notes), sql);
         }
@@ -207,8 +223,27 @@ statement_report check_statement(const std::string &db_name, const std::string &
         }
         return report;
     } catch (const syntax_error &error) {
-        return refused(sql, {error.place() - 1, 1, error.sentence()});
+        return refused(sql, unreadable(sql, error));
     }
+}
+
+explained_statement explain_statement(const std::string &db_name, const std::string &sql,
+                                      kept_traces &traces) {
+    explained_statement answer;
+    traces.clear();
+    try {
+        answer.found = explain(db_name, sql);
+    } catch (const syntax_error &error) {
+        return {refused(sql, unreadable(sql, error)), {}};
+    }
+    statement_report &report = answer.report;
+    report.kind = kind_name(sql);
+    report.code = answer.found.code;
+    report.ok = report.code == QRY_LIB_OK;
+    if (!report.ok) {
+        report.refusal = place_of_fault(db_name, sql, report.code, traces);
+    }
+    return answer;
 }
 
 } // namespace qrytext

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "tools/text/explanation.h"
 #include "tools/text/finding.h"
 #include "tools/text/kept_traces.h"
 #include "tools/text/meter.h"
-#include "tools/text/notes.h"
 #include "tools/text/result.h"
 
 namespace qrytext {
@@ -29,14 +29,15 @@ struct statement_report {
     std::uint32_t code = 0; // the library's; 0xDB00 too for what never reached it
     std::optional<result> rows; // a SELECT's answer
     change_counts changed;
-    std::vector<note> notes;
+    std::vector<finding> notes;
     std::optional<finding> refusal;
     cost spent{};
 };
 
 struct run_rules {
-    bool readonly = false; // only SELECT is run
-    bool strict = false;   // a statement with a note is not run
+    bool readonly = false;     // only SELECT is run
+    bool strict = false;       // a statement with a note is not run
+    bool safe_updates = false; // nor one that changes every record
 };
 
 // Runs a statement. `traces` must receive the library's lines; those of the statement are in it afterwards.
@@ -46,5 +47,14 @@ statement_report run_statement(const std::string &db_name, const std::string &sq
 // Refuses what would be refused before it ran, and runs nothing.
 statement_report check_statement(const std::string &db_name, const std::string &sql, const run_rules &rules,
                                  kept_traces &traces);
+
+struct explained_statement {
+    statement_report report; // not ok: why there is no explanation
+    explanation found;
+};
+
+// Explains a statement. Reads the default record and nothing else.
+explained_statement explain_statement(const std::string &db_name, const std::string &sql,
+                                      kept_traces &traces);
 
 } // namespace qrytext

@@ -12,9 +12,9 @@
 
 namespace qrytext {
 
-syntax_error::syntax_error(kind what_kind, std::size_t place, const std::string &sentence)
+syntax_error::syntax_error(kind what_kind, std::size_t place, const std::string &sentence, std::string hint)
     : std::runtime_error(fmt::format("at character {}: {}", place, sentence)), kind_(what_kind),
-      place_(place), sentence_(sentence) {}
+      place_(place), sentence_(sentence), hint_(std::move(hint)) {}
 
 namespace {
 
@@ -43,7 +43,7 @@ class scanner {
 
     void expect(std::string_view token) {
         if (!take(token)) {
-            fail(fmt::format("expected \"{}\"", token));
+            fail(fmt::format("expected \"{}\"", token), "");
         }
     }
 
@@ -58,7 +58,8 @@ class scanner {
 
     void expect_keyword(std::string_view keyword) {
         if (!take_keyword(keyword)) {
-            fail(fmt::format("expected {} (keywords are upper case)", keyword));
+            fail(fmt::format("expected {}", keyword),
+                 fmt::format("keywords are upper case: write {}", keyword));
         }
     }
 
@@ -67,10 +68,10 @@ class scanner {
         skip_blanks();
         std::string name(peek_word());
         if (name.empty()) {
-            fail(fmt::format("expected a {} name", what));
+            fail(fmt::format("expected a {} name", what), "");
         }
         if (name.size() > longest) {
-            fail(fmt::format("a {} name has at most {} characters", what, longest));
+            fail(fmt::format("a {} name has at most {} characters", what, longest), "");
         }
         position_ += name.size();
         return name;
@@ -94,13 +95,15 @@ class scanner {
         return std::string(trim(text_.substr(position_)));
     }
 
-    [[noreturn]] void fail(const std::string &sentence) const {
-        fail(position_ == text_.size() ? syntax_error::kind::cut_off : syntax_error::kind::wrong, sentence);
+    [[noreturn]] void fail(const std::string &sentence, const std::string &hint) const {
+        fail(position_ == text_.size() ? syntax_error::kind::cut_off : syntax_error::kind::wrong, sentence,
+             hint);
     }
 
   private:
-    [[noreturn]] void fail(syntax_error::kind kind, const std::string &sentence) const {
-        throw syntax_error(kind, position_ + 1, sentence);
+    [[noreturn]] void fail(syntax_error::kind kind, const std::string &sentence,
+                           const std::string &hint) const {
+        throw syntax_error(kind, position_ + 1, sentence, hint);
     }
 
     void skip_blanks() {
@@ -123,13 +126,14 @@ class scanner {
                 value += text_[i++];
             } else {
                 if (value.size() > QRY_LIB_STRING_MAX) {
-                    fail(fmt::format("a value has at most {} characters", QRY_LIB_STRING_MAX));
+                    fail(fmt::format("a value has at most {} characters", QRY_LIB_STRING_MAX),
+                         "write a shorter one");
                 }
                 position_ = i + 1;
                 return value;
             }
         }
-        fail(syntax_error::kind::open_quote, "the quote is not closed");
+        fail(syntax_error::kind::open_quote, "the quote is not closed", "write 'TEXT'");
     }
 
     std::int64_t number_value() {
@@ -139,10 +143,10 @@ class scanner {
         std::int64_t number = 0;
         const auto [stop, error] = std::from_chars(digits.data(), end, number);
         if (stop != end || error == std::errc::invalid_argument || word.substr(0, 2) == "+-") {
-            fail("expected a number or a text between single quotes");
+            fail("expected a number or a text between single quotes", "write 1 or 'TEXT'");
         }
         if (error != std::errc() || number < smallest_number || number > largest_number) {
-            fail(fmt::format("a number lies between {} and {}", smallest_number, largest_number));
+            fail(fmt::format("a number lies between {} and {}", smallest_number, largest_number), "");
         }
         position_ += word.size();
         return number;
@@ -163,12 +167,14 @@ void parse_values(scanner &scan, std::vector<assignment> &values) {
     scan.expect("(");
     for (std::size_t i = 0; i < values.size(); ++i) {
         if (i > 0 && !scan.take(",")) {
-            scan.fail(fmt::format("expected \",\" and a value: there are {} columns", values.size()));
+            scan.fail("expected \",\" and a value",
+                      fmt::format("write {} values, one for each column", values.size()));
         }
         scan.expect_value(values[i]);
     }
     if (!scan.take(")")) {
-        scan.fail("expected \")\" after the last column's value");
+        scan.fail("expected \")\" after the last column's value",
+                  "write a value for each column, and no more");
     }
 }
 
@@ -177,7 +183,8 @@ write_statement parse_insert(scanner &scan) {
     scan.expect_keyword("INTO");
     statement.table = expect_table(scan);
     if (!scan.take("(")) {
-        scan.fail("expected \"(\" and the columns to write");
+        scan.fail("expected \"(\" and the columns to write",
+                  "write INSERT INTO TABLE (COLUMN, ...) VALUES (VALUE, ...)");
     }
     do {
         statement.values.push_back({expect_column(scan), std::int64_t{0}});
@@ -186,7 +193,7 @@ write_statement parse_insert(scanner &scan) {
     scan.expect_keyword("VALUES");
     parse_values(scan, statement.values);
     if (!scan.at_end()) {
-        scan.fail("expected the end of the statement");
+        scan.fail("expected the end of the statement", "write an INSERT for each record");
     }
     return statement;
 }
@@ -204,12 +211,12 @@ write_statement parse_update(scanner &scan) {
         return statement;
     }
     if (!scan.take_keyword("WHERE")) {
-        scan.fail("expected \",\", WHERE or the end of the statement");
+        scan.fail("expected \",\", WHERE or the end of the statement", "");
     }
     statement.where = scan.rest();
     statement.where_place = scan.place();
     if (statement.where.empty()) {
-        scan.fail("expected a condition after WHERE");
+        scan.fail("expected a condition after WHERE", "write WHERE COLUMN = 1");
     }
     return statement;
 }
@@ -224,7 +231,7 @@ write_statement parse_write_statement(std::string_view text) {
     if (scan.take_keyword("UPDATE")) {
         return parse_update(scan);
     }
-    scan.fail("expected INSERT or UPDATE (keywords are upper case)");
+    scan.fail("expected INSERT or UPDATE", "keywords are upper case");
 }
 
 } // namespace qrytext

@@ -43,15 +43,17 @@ class syntax_error : public std::runtime_error {
         open_quote // it ends between quotes
     };
 
-    syntax_error(kind what_kind, std::size_t place, const std::string &sentence);
+    syntax_error(kind what_kind, std::size_t place, const std::string &sentence, std::string hint);
     kind what_kind() const { return kind_; }
     std::size_t place() const { return place_; }
     const std::string &sentence() const { return sentence_; } // without its place
+    const std::string &hint() const { return hint_; }         // what to write instead; may be empty
 
   private:
     kind kind_;
     std::size_t place_;
     std::string sentence_;
+    std::string hint_;
 };
 
 // Throws syntax_error.

@@ -16,6 +16,7 @@
 #include "tools/text/schema.h"
 #include "tools/text/statement_text.h"
 #include "tools/text/text.h"
+#include "tools/text/value_notes.h"
 
 namespace qrytext {
 
@@ -24,9 +25,15 @@ namespace {
 using found = std::optional<finding>;
 
 // Points at a name, wherever it stands first behind `from`.
-found point_at_name(const std::string &sql, std::size_t from, const std::string &name, std::string sentence) {
+found point_at_name(const std::string &sql, std::size_t from, const std::string &name, advice said) {
     const std::optional<std::size_t> place = find_word(sql, name, from);
-    return place ? found(finding{*place, name.size(), std::move(sentence)}) : std::nullopt;
+    return place ? found(finding{*place, name.size(), std::move(said.sentence), std::move(said.hint)})
+                 : std::nullopt;
+}
+
+advice unknown_column(const std::string &table, const std::string &column,
+                      const std::vector<std::string> &names) {
+    return {fmt::format("{} has no column \"{}\"", table, printable(column)), near_hint(column, names)};
 }
 
 std::size_t place_of(const std::string &sql, std::string_view keyword) {
@@ -34,8 +41,25 @@ std::size_t place_of(const std::string &sql, std::string_view keyword) {
     return place == std::string::npos ? 0 : place;
 }
 
+// A word behind the table's name: a clause that is not whole or not well written, or another name for it.
+advice advice_for_clause(const std::string &db_name, const std::string &table, const std::string &word) {
+    static const std::vector<std::string> clauses = {"WHERE", "ORDER"};
+    const std::string near = nearest(word, clauses);
+    if (near == word) {
+        return {fmt::format("{} is not complete", word),
+                word == "WHERE" ? "write WHERE COLUMN = 1" : "write ORDER BY COLUMN"};
+    }
+    if (near == in_capitals(word)) {
+        return write_in_capitals(near);
+    }
+    if (near.empty() && table_exists(db_name, table)) {
+        return {"there is no alias", fmt::format("write {} alone", table)};
+    }
+    return {"expected WHERE, ORDER BY or the end of the statement", near_hint(word, clauses)};
+}
+
 // A table's name that holds a blank is a clause that the parser did not recognise.
-found check_clause_in_table(const std::string &sql, const std::string &table) {
+found check_clause_in_table(const std::string &db_name, const std::string &sql, const std::string &table) {
     const std::size_t table_place = sql.find(table);
     const std::size_t blank = table.find(' ');
     if (table_place == std::string::npos || blank == std::string::npos) {
@@ -43,56 +67,73 @@ found check_clause_in_table(const std::string &sql, const std::string &table) {
     }
     const std::size_t begin = table.find_first_not_of(' ', blank);
     const std::string word = table.substr(begin, std::min(table.find(' ', begin), table.size()) - begin);
-    const finding place{table_place + begin, word.size(), ""};
-    static const std::vector<std::string> clauses = {"WHERE", "ORDER"};
-    const std::string near = nearest(word, clauses);
-    if (near == word) {
-        return finding{place.place, place.length, fmt::format("{} is not complete", word)};
-    }
-    if (near == in_capitals(word)) {
-        return finding{place.place, place.length, fmt::format("keywords are upper case: write {}", near)};
-    }
-    return finding{place.place, place.length,
-                   "expected WHERE, ORDER BY or the end of the statement" + did_you_mean(word, clauses)};
+    const advice said = advice_for_clause(db_name, table.substr(0, blank), word);
+    return finding{table_place + begin, word.size(), said.sentence, said.hint};
 }
 
 // Tables of other databases are named more often than tables are mistyped.
-std::string where_table_is(const std::string &db_name, const std::string &table) {
+advice unknown_table(const std::string &db_name, const std::string &table) {
+    const std::size_t point = table.find('.');
+    const std::string name = point == std::string::npos ? table : table.substr(point + 1);
     for (const std::string &other : database_names()) {
-        if (table_exists(other, table)) {
-            return fmt::format("; {0} has: .db {0}", other);
+        if (table_exists(other, name)) {
+            return {fmt::format("{} has no table {}; {} has {}", db_name, printable(table), other, name),
+                    other == db_name ? fmt::format("write {}", name) : fmt::format("write .db {}", other)};
         }
     }
-    return did_you_mean(table, table_names(db_name));
+    return {fmt::format("{} has no table \"{}\"", db_name, printable(table)),
+            near_hint(table, table_names(db_name))};
 }
+
+constexpr const char *no_tabs = "only blanks divide words, not tabs";
+constexpr const char *write_blank = "write a blank";
 
 found check_table(const std::string &db_name, const std::string &sql, const std::string &table) {
     if (table_exists(db_name, table)) {
         return std::nullopt;
     }
     if (table.find('\t') != std::string::npos) {
-        return point_at_name(sql, place_of(sql, " FROM "), table, "only blanks divide words, not tabs");
+        return point_at_name(sql, place_of(sql, " FROM "), table, {no_tabs, write_blank});
     }
-    if (found clause = check_clause_in_table(sql, table)) {
+    if (found clause = check_clause_in_table(db_name, sql, table)) {
         return clause;
     }
-    return point_at_name(
-        sql, place_of(sql, " FROM "), table,
-        fmt::format("{} has no table \"{}\"{}", db_name, printable(table), where_table_is(db_name, table)));
+    const std::size_t from = place_of(sql, " FROM ");
+    found place = point_at_name(sql, from, table, unknown_table(db_name, table));
+    return place ? place : point_at_name(sql, 0, table, unknown_table(db_name, table));
 }
 
-// What is written elsewhere and cannot be here; null for any other name.
-const char *foreign_habit(const std::string &column) {
-    if (in_capitals(column) == "COUNT(*)") {
-        return "keywords are upper case: write COUNT(*)";
+// What to write instead of "*".
+std::string name_columns(const std::string &table, const std::vector<std::string> &names) {
+    constexpr std::size_t shown = 8;
+    return names.size() <= shown ? fmt::format("write {}", fmt::join(names, ", "))
+                                 : fmt::format("write the columns; .schema {} lists them", table);
+}
+
+// What is written elsewhere and cannot be here.
+std::optional<advice> foreign_habit(const std::string &column) {
+    const std::string capitals = in_capitals(column);
+    if (capitals == "COUNT(*)") {
+        return write_in_capitals(capitals);
+    }
+    if (capitals.substr(0, 6) == "COUNT(") {
+        return advice{"records are counted, not columns", "write COUNT(*)"};
     }
     if (!column.empty() && column.back() == '<') {
-        return "there is no <>: write !=";
+        return advice{"there is no <>", "write !="};
     }
     if (!column.empty() && column.front() == '(') {
-        return "brackets group nothing: a condition is one list, joined all by AND or all by OR";
+        return advice{"brackets group nothing",
+                      "write one list of conditions, joined all by AND or all by OR"};
     }
-    return column.find('\t') != std::string::npos ? "only blanks divide words, not tabs" : nullptr;
+    if (column.find('(') != std::string::npos) {
+        return advice{"there are no functions", "write the column alone"};
+    }
+    if (column.find_first_of("+-*/|") != std::string::npos) {
+        return advice{"nothing is worked out", "write the column alone"};
+    }
+    return column.find('\t') == std::string::npos ? std::nullopt
+                                                  : std::optional(advice{no_tabs, write_blank});
 }
 
 // A column of a query over one table.
@@ -106,34 +147,36 @@ found check_column(const std::string &db_name, const std::string &table, const s
         const std::size_t star = sql.find('*', from);
         return star == std::string::npos
                    ? std::nullopt
-                   : found(finding{star, 1, "columns are named one by one; .schema lists them"});
+                   : found(finding{star, 1, "columns are named one by one", name_columns(table, names)});
     }
-    if (const char *const habit = foreign_habit(column)) {
-        return point_at_name(sql, from, column, habit);
+    if (const std::optional<advice> habit = foreign_habit(column)) {
+        return point_at_name(sql, from, column, *habit);
     }
     const std::size_t point = column.find('.');
     if (point != std::string::npos && column.substr(0, point) == table) {
         return point_at_name(sql, from, column,
-                             "over one table a column is written without the table's name");
+                             {"over one table a column is written without the table's name",
+                              fmt::format("write {}", printable(column.substr(point + 1)))});
     }
-    return point_at_name(
-        sql, from, column,
-        fmt::format("{} has no column \"{}\"{}", table, printable(column), did_you_mean(column, names)));
+    return point_at_name(sql, from, column, unknown_column(table, column, names));
 }
 
 // A selected item of several words, of which the parser makes one name without blanks.
 found check_item(const std::string &db_name, const std::string &table, const std::string &sql,
                  text_span item) {
     const std::string text = sql.substr(item.place, item.length);
-    if (const std::string advice = advice_for(text); !advice.empty()) {
-        return finding{item.place, item.length, advice};
+    if (const std::optional<advice> said = advice_for(text)) {
+        return finding{item.place, item.length, said->sentence, said->hint};
     }
     const std::size_t blank = text.find(' ');
     const std::string second(trim(std::string_view(text).substr(blank)));
     if (find_column(db_name, table, text.substr(0, blank)) && find_column(db_name, table, second)) {
-        return finding{item.place + blank, 1, "a comma is missing here"};
+        return finding{item.place + blank, 1, "a comma is missing here", "write COLUMN, COLUMN"};
     }
-    return finding{item.place, item.length, "a column stands alone: nothing is worked out or renamed"};
+    const bool is_alias = second.find_first_of(" +-*/|()") == std::string::npos;
+    return finding{item.place, item.length,
+                   is_alias ? "there is no alias" : "a column stands alone; nothing is worked out",
+                   fmt::format("write {}", printable(text.substr(0, blank)))};
 }
 
 // The columns of a SELECT over one table.
@@ -159,22 +202,21 @@ found check_joined_column(const std::string &db_name, const std::vector<std::str
                           const std::string &sql, std::size_t from, const std::string &name) {
     const std::size_t point = name.find('.');
     if (point == std::string::npos) {
-        return point_at_name(sql, from, name, "over several tables a column is written TABLE.COLUMN");
+        return point_at_name(sql, from, name,
+                             {"over several tables a column carries its table's name", "write TABLE.COLUMN"});
     }
     const std::string table = name.substr(0, point);
     if (std::find(tables.begin(), tables.end(), table) == tables.end()) {
-        return point_at_name(sql, from, name,
-                             fmt::format("FROM does not name the table \"{}\"{}", printable(table),
-                                         did_you_mean(table, tables)));
+        return point_at_name(
+            sql, from, name,
+            {fmt::format("FROM does not name the table \"{}\"", printable(table)), near_hint(table, tables)});
     }
     const std::string column = name.substr(point + 1);
     const std::vector<std::string> names = column_names(db_name, table);
     if (std::find(names.begin(), names.end(), column) != names.end()) {
         return std::nullopt;
     }
-    return point_at_name(
-        sql, from, name,
-        fmt::format("{} has no column \"{}\"{}", table, printable(column), did_you_mean(column, names)));
+    return point_at_name(sql, from, name, unknown_column(table, column, names));
 }
 
 bool orders(QRY_LIB_OPERATION_TYPE operation) {
@@ -189,14 +231,16 @@ found check_operation(const std::string &db_name, const std::string &table, cons
         return std::nullopt;
     }
     const bool is_text = column->type == QRY_LIB_COLUMN_TYPE_STR;
-    const char *sentence = nullptr;
+    const std::size_t where = place_of(sql, " WHERE ");
     if (is_text && orders(condition.operation)) {
-        sentence = "a text is compared with =, != or LIKE";
-    } else if (!is_text && condition.operation == QRY_LIB_OPERATION_TYPE_LIKE) {
-        sentence = "a number is not compared with LIKE";
+        return point_at_name(sql, where, condition.column,
+                             {"texts have no order in a condition", "write =, != or LIKE"});
     }
-    return sentence == nullptr ? std::nullopt
-                               : point_at_name(sql, place_of(sql, " WHERE "), condition.column, sentence);
+    if (!is_text && condition.operation == QRY_LIB_OPERATION_TYPE_LIKE) {
+        return point_at_name(sql, where, condition.column,
+                             {"a number has no beginning", "write =, !=, <, >, <= or >="});
+    }
+    return std::nullopt;
 }
 
 bool is_link(const query_condition &condition) {
@@ -221,7 +265,8 @@ found check_joined(const std::string &db_name, const std::string &sql, const que
     }
     const auto links = std::count_if(asked.conditions.begin(), asked.conditions.end(), is_link);
     if (static_cast<std::size_t>(links) + 1 < asked.tables.size()) {
-        return finding{sql.size(), 0, "each further table needs a condition TABLE.COLUMN = TABLE.COLUMN"};
+        return finding{sql.size(), 0, "each further table needs a condition of its own",
+                       "write TABLE.COLUMN = TABLE.COLUMN"};
     }
     return std::nullopt;
 }
@@ -259,7 +304,8 @@ found check_value(const std::string &sql, const qry_lib_catalog_column_ &column,
     return finding{place == std::string::npos ? sql.size() : place,
                    place == std::string::npos ? 0 : written.size(),
                    fmt::format("{} holds at most {} bytes, this text has {}", given.column, column.size - 1,
-                               text->size())};
+                               text->size()),
+                   "write a shorter one"};
 }
 
 // An INSERT must name every key column.
@@ -268,19 +314,25 @@ found check_keys(const std::string &db_name, const std::string &sql, const write
         const bool is_given = std::any_of(written.values.begin(), written.values.end(),
                                           [&](const assignment &a) { return a.column == column.name; });
         if (column.is_key != 0 && !is_given) {
-            return finding{sql.find('('), 1, fmt::format("the key column {} is missing", column.name)};
+            return finding{sql.find('('), 1, fmt::format("the key column {} is missing", column.name),
+                           "write it among the columns, and its value among the values"};
         }
     }
     return std::nullopt;
 }
 
 // A new record may not carry the key that free records have.
-found check_free_key(const std::string &db_name, const std::string &sql, const write_statement &written) {
+found check_free_key(const std::string &db_name, const write_statement &written) {
     for (const free_key &key : free_keys(db_name, written.table)) {
+        const auto column = find_column(db_name, written.table, key.column);
         for (const assignment &given : written.values) {
-            if (given.column == key.column && given.value == key.value) {
-                return point_at_name(sql, 0, key.column,
-                                     fmt::format("{} marks a free record", literal(key.value)));
+            if (column && given.column == key.column && stored_value(given.value, *column) == key.value) {
+                const std::string free = literal(key.value);
+                return finding{given.place, given.length,
+                               given.value == key.value
+                                   ? fmt::format("{} marks a free record", free)
+                                   : fmt::format("this is stored as {}, which marks a free record", free),
+                               "write another key"};
             }
         }
     }
@@ -302,7 +354,7 @@ found check_write(const std::string &db_name, const std::string &sql, const quer
         if (found fault = check_keys(db_name, sql, written)) {
             return fault;
         }
-        return check_free_key(db_name, sql, written);
+        return check_free_key(db_name, written);
     }
     return check_single(db_name, sql, asked);
 }

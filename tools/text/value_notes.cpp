@@ -55,8 +55,8 @@ bool orders(QRY_LIB_OPERATION_TYPE operation) {
     return operation >= QRY_LIB_OPERATION_TYPE_LESS && operation <= QRY_LIB_OPERATION_TYPE_GREATER_EQUAL;
 }
 
-note at(text_span span, std::string text, std::string hint) {
-    return {span.place, span.place + span.length, std::move(text), std::move(hint)};
+finding at(text_span span, std::string text, std::string hint) {
+    return {span.place, span.length, std::move(text), std::move(hint)};
 }
 
 // Quotes that other dialects or word processors put around texts.
@@ -71,7 +71,7 @@ constexpr const char *single_quotes = "texts stand between single quotes: '...'"
 
 // Numbers in a comparison: narrowed as those that are written, and without a sign in an order.
 void note_number(text_span span, std::int64_t given, const query_condition &kept,
-                 const qry_lib_catalog_column_ &column, std::vector<note> &notes) {
+                 const qry_lib_catalog_column_ &column, std::vector<finding> &notes) {
     const std::int64_t read = std::clamp(given, smallest_int, largest_int);
     const std::int64_t compared = narrowed(read, column.type);
     const bool is_bits = is_wide(column) && given < 0 && given >= smallest_int; // the only way to write these
@@ -91,10 +91,10 @@ void note_number(text_span span, std::int64_t given, const query_condition &kept
 
 // `from` is where the value begins in the text, behind its quote.
 void note_number_text(const std::string &sql, text_span span, std::size_t from, const query_condition &kept,
-                      const qry_lib_catalog_column_ &column, std::vector<note> &notes) {
+                      const qry_lib_catalog_column_ &column, std::vector<finding> &notes) {
     const leading_number read = read_number(kept.value);
     if (read.end == 0) {
-        const std::string advice = advice_for(kept.value);
+        const std::string advice = sentence_for(kept.value);
         notes.push_back(at(span,
                            fmt::format("{} is a number: {} is read as 0", kept.column,
                                        printable(sql.substr(span.place, span.length))),
@@ -123,7 +123,7 @@ bool looks_like_an_end(const std::string &value, std::size_t quote, bool is_lone
 }
 
 // Quotes inside a quoted value: apostrophes, or the ends of what was meant as several texts.
-void note_inner_quotes(text_span span, const query_condition &kept, std::vector<note> &notes) {
+void note_inner_quotes(text_span span, const query_condition &kept, std::vector<finding> &notes) {
     const std::string &value = kept.value;
     const bool is_prefix = kept.operation == QRY_LIB_OPERATION_TYPE_LIKE;
     if (value.find("''") != std::string::npos) {
@@ -134,7 +134,7 @@ void note_inner_quotes(text_span span, const query_condition &kept, std::vector<
     const bool is_lone = std::count(value.begin(), value.end(), '\'') == 1;
     for (std::size_t i = value.find('\''); i != std::string::npos; i = value.find('\'', i + 1)) {
         if (looks_like_an_end(value, i, is_lone, is_prefix)) {
-            const std::string advice = advice_for(value);
+            const std::string advice = sentence_for(value);
             notes.push_back(
                 at(span, "the value goes from the first quote to the last, what stands between included",
                    advice.empty() ? "one value has two quotes" : advice));
@@ -145,7 +145,7 @@ void note_inner_quotes(text_span span, const query_condition &kept, std::vector<
 
 // A text without quotes: all of it is the value, whatever it looks like.
 void note_bare_text(const std::string &sql, text_span span, const std::string &value,
-                    std::vector<note> &notes) {
+                    std::vector<finding> &notes) {
     if (begins_with_foreign_quote(value)) {
         notes.push_back(
             at(span, fmt::format("the quotes of {} belong to the value", printable(value)), single_quotes));
@@ -155,12 +155,12 @@ void note_bare_text(const std::string &sql, text_span span, const std::string &v
     if (gap != std::string::npos) {
         notes.push_back(left_over(sql, {span.place + gap, span.length - gap}, "was read as part of the value",
                                   "a text of several words stands between single quotes"));
-    } else if (const std::string advice = advice_for(value); !advice.empty()) {
+    } else if (const std::string advice = sentence_for(value); !advice.empty()) {
         notes.push_back(at(span, fmt::format("compared with the text {}", printable(value)), advice));
     }
 }
 
-void note_pattern(text_span span, const query_condition &kept, std::vector<note> &notes) {
+void note_pattern(text_span span, const query_condition &kept, std::vector<finding> &notes) {
     if (kept.operation == QRY_LIB_OPERATION_TYPE_LIKE && kept.value.find('%') != std::string::npos) {
         notes.push_back(at(span, "only the % at the end is a pattern's; another one stands for itself",
                            "LIKE finds beginnings alone"));
@@ -173,7 +173,7 @@ std::int64_t stored_number(std::int64_t given, const qry_lib_catalog_column_ &co
 }
 
 void note_stored_number(text_span span, std::int64_t given, std::int64_t stored,
-                        const qry_lib_catalog_column_ &column, std::vector<note> &notes) {
+                        const qry_lib_catalog_column_ &column, std::vector<finding> &notes) {
     if (stored == given) {
         return;
     }
@@ -183,7 +183,7 @@ void note_stored_number(text_span span, std::int64_t given, std::int64_t stored,
 }
 
 void note_stored_text(const std::string &sql, text_span span, const std::string &text,
-                      const qry_lib_catalog_column_ &column, std::vector<note> &notes) {
+                      const qry_lib_catalog_column_ &column, std::vector<finding> &notes) {
     const leading_number read = read_number(text);
     if (read.end == 0) {
         notes.push_back(at(span,
@@ -205,15 +205,27 @@ void note_stored_text(const std::string &sql, text_span span, const std::string 
 
 } // namespace
 
-note left_over(const std::string &sql, text_span span, const std::string &what,
-               const std::string &otherwise) {
+finding left_over(const std::string &sql, text_span span, const std::string &what,
+                  const std::string &otherwise) {
     const std::string text = sql.substr(span.place, span.length);
-    const std::string advice = advice_for(text);
+    const std::string advice = sentence_for(text);
     return at(span, fmt::format("\"{}\" {}", printable(text), what), advice.empty() ? otherwise : advice);
 }
 
+cell stored_value(const cell &given, const qry_lib_catalog_column_ &column) {
+    const auto *number = std::get_if<std::int64_t>(&given);
+    if (is_text(column)) {
+        return number == nullptr ? given
+                                 : cell(fmt::format("{}", narrowed(*number, QRY_LIB_COLUMN_TYPE_INT)));
+    }
+    return number == nullptr ? narrowed(std::clamp(read_number(std::get<std::string>(given)).number,
+                                                   smallest_int, largest_int),
+                                        column.type)
+                             : stored_number(*number, column);
+}
+
 void note_compared_value(const std::string &sql, text_span span, const query_condition &kept,
-                         const qry_lib_catalog_column_ &column, std::vector<note> &notes) {
+                         const qry_lib_catalog_column_ &column, std::vector<finding> &notes) {
     text_span value = span;
     if (kept.quoted) {
         const std::size_t last_quote = sql.rfind('\'', span.place + span.length - 1);
@@ -234,7 +246,7 @@ void note_compared_value(const std::string &sql, text_span span, const query_con
 }
 
 void note_written_value(const std::string &sql, const assignment &given,
-                        const qry_lib_catalog_column_ &column, std::vector<note> &notes) {
+                        const qry_lib_catalog_column_ &column, std::vector<finding> &notes) {
     const text_span span{given.place, given.length};
     const auto *number = std::get_if<std::int64_t>(&given.value);
     if (number == nullptr) {

@@ -13,6 +13,12 @@ TEST(point_at, the_caret_stands_under_the_place) {
     EXPECT_EQ(point_at("ABC", {0, 3, "all"}), "  ABC\n  ^^^ all\n");
 }
 
+TEST(point_at, the_hint_stands_behind_a_colon) {
+    EXPECT_EQ(point_at("ABC", {0, 1, "no", "write B"}), "  ABC\n  ^ no: write B\n");
+    EXPECT_EQ(qrytext::with_hint({0, 1, "no", "write B"}, "; "), "no; write B");
+    EXPECT_EQ(qrytext::with_hint({0, 1, "no"}, "; "), "no");
+}
+
 TEST(point_at, behind_the_end_there_is_one_caret) {
     EXPECT_EQ(point_at("AB", {2, 0, "more"}), "  AB\n    ^ more\n");
     EXPECT_EQ(point_at("AB", {9, 4, "more"}), "  AB\n    ^ more\n");

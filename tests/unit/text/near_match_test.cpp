@@ -32,6 +32,8 @@ TEST(near_match, a_far_name_is_none) {
 TEST(near_match, the_question_names_it) {
     EXPECT_EQ(did_you_mean("PSN_IDD", names), "; did you mean PSN_ID?");
     EXPECT_EQ(did_you_mean("TOTAL", names), "");
+    EXPECT_EQ(qrytext::near_hint("PSN_IDD", names), "did you mean PSN_ID?");
+    EXPECT_EQ(qrytext::near_hint("TOTAL", names), "");
 }
 
 TEST(near_match, only_ascii_letters_become_capitals) {

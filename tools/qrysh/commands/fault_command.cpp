@@ -166,8 +166,9 @@ outcome sweep(session &shell, const std::string &sql) {
     if (kind != statement_kind::select && (shell.options().readonly || shell.options().safe)) {
         return session::fail("a sweep of a change needs a shell without --readonly and --safe");
     }
-    if (kind == statement_kind::write_record) {
-        parse_write_statement(sql); // complains now, not once for every run
+    const statement_report seen = check_statement(shell.database(), sql, {}, shell.traces());
+    if (!seen.ok && !seen.reached_library) { // complains now, not once for every run
+        return shell.complain(sql, seen);
     }
     result list{{"CALL", "FROM", "TO", "CODE", "NAME", "BLOCKS LEFT", "TRACES"}, {}};
     const bool complete = sweeper(shell, sql).run(list);
@@ -180,11 +181,7 @@ outcome sweep(session &shell, const std::string &sql) {
 outcome inject_fault(session &shell, const std::string &order) {
     const word_and_rest parts = split_first_word(order);
     if (parts.word == "sweep" && !parts.rest.empty()) {
-        try {
-            return sweep(shell, std::string(without_semicolon(parts.rest)));
-        } catch (const syntax_error &error) {
-            return session::fail(error.what());
-        }
+        return sweep(shell, std::string(without_semicolon(parts.rest)));
     }
     if (parts.word == "off" && parts.rest.empty()) {
         qryhost_fail_clear();

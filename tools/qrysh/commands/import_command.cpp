@@ -18,7 +18,6 @@
 #include "tools/text/schema.h"
 #include "tools/text/statement_builder.h"
 #include "tools/text/text.h"
-#include "tools/text/trace_explainer.h"
 
 namespace qrysh {
 
@@ -63,7 +62,6 @@ outcome write_rows(session &shell, const std::vector<write_statement> &inserts) 
             statement record(shell.database(), insert);
             if (const std::uint32_t code = qry_lib_db_stmt_exec(record.get()); code != QRY_LIB_OK) {
                 session::fail(describe_code(code));
-                say(explain_failure(shell.traces().lines()));
                 say(fmt::format("{} of {} rows were imported before this\n", written, inserts.size()));
                 return outcome::failed;
             }

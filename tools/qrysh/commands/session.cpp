@@ -1,26 +1,18 @@
 // Statements run, and what is said of each.
 #include "tools/qrysh/commands/session.h"
 
-#include <qrylib/types.h>
-
-#include <algorithm>
-
 #include <fmt/format.h>
 
 #include "platform/host/qryhost.h"
 #include "tools/qrysh/commands/command_table.h"
 #include "tools/qrysh/printing/output.h"
-#include "tools/text/change_text.h"
 #include "tools/text/clauses.h"
-#include "tools/text/code_text.h"
-#include "tools/text/diagnosis.h"
-#include "tools/text/engine.h"
 #include "tools/text/meter.h"
 #include "tools/text/near_match.h"
+#include "tools/text/report_text.h"
 #include "tools/text/schema.h"
 #include "tools/text/statement_lines.h"
 #include "tools/text/text.h"
-#include "tools/text/trace_explainer.h"
 
 namespace qrysh {
 
@@ -32,15 +24,6 @@ void print_finding(void * /*context*/, int is_damage, const char *text) {
     print(fmt::format("{}: {}\n", is_damage != 0 ? "damage" : "note", printable(text)));
 }
 
-// What the rules or the grammar of INSERT and UPDATE refused.
-outcome refuse(const std::string &sql, const statement_report &report) {
-    const finding &place = *report.refusal;
-    session::fail(report.notes.empty() ? fmt::format("at character {}: {}", place.place + 1, place.sentence)
-                                       : "not run: a note stands against it, and the shell is strict");
-    say(point_at(sql, {place.place, std::max<std::size_t>(place.length, 1), ""}));
-    return outcome::failed;
-}
-
 outcome report_host(int result) {
     return result == 0 ? outcome::done : session::fail(qryhost_error());
 }
@@ -48,19 +31,8 @@ outcome report_host(int result) {
 } // namespace
 
 outcome session::run_statement(const std::string &sql) {
-    if (settings_.readonly && kind_of(sql) != statement_kind::select) {
-        return fail("only SELECT may run: the shell was started with --readonly");
-    }
-    if (takes_every_record(sql)) {
-        if (settings_.asks) {
-            return run_when_sure(sql);
-        }
-        if (settings_.safe_updates) {
-            return fail(
-                "this takes every record, and says not which: the shell was started with --safe-updates");
-        }
-    }
-    return run_at_once(sql);
+    const bool is_asked_for = settings_.asks && !settings_.readonly && takes_every_record(sql);
+    return is_asked_for ? run_when_sure(sql) : run_at_once(sql);
 }
 
 // A paste brings the next line as the answer: it may be the WHERE that was meant to go on with the statement.
@@ -73,19 +45,15 @@ outcome session::run_when_sure(const std::string &sql) {
 }
 
 outcome session::run_at_once(const std::string &sql) {
-    return tell(sql, qrytext::run_statement(database_, sql, {false, settings_.strict}, traces_));
+    const bool is_unasked = settings_.safe_updates && !settings_.asks;
+    return tell(sql, qrytext::run_statement(database_, sql,
+                                            {settings_.readonly, settings_.strict, is_unasked}, traces_));
 }
 
 outcome session::tell(const std::string &sql, const statement_report &report) {
-    for (const note &one : report.notes) {
-        say(fmt::format("note: {}{}{}\n", one.text, one.hint.empty() ? "" : "; ", one.hint));
-    }
-    if (!report.reached_library) {
-        return refuse(sql, report);
-    }
+    say(describe_notes(report, error_voice()));
     if (!report.ok) {
-        complain(sql, report.code, report.refusal);
-        tell_written(sql, report);
+        complain(sql, report);
     } else if (report.rows) {
         show(*report.rows);
     } else if (settings_.changes.value_or(is_for_people(settings_.mode))) {
@@ -98,24 +66,12 @@ outcome session::tell(const std::string &sql, const statement_report &report) {
     return report.ok ? outcome::done : outcome::failed;
 }
 
-void session::tell_written(const std::string &sql, const statement_report &report) const {
-    const change_counts &changed = report.changed;
-    if (changed.added + changed.replaced + changed.changed + changed.deleted > 0) {
-        say(fmt::format("before this failed: {}\n", describe_changes(database_, sql, report)));
+// What no statement begins with may be the name of a command.
+outcome session::complain(const std::string &sql, statement_report report) {
+    if (std::optional<finding> &place = report.refusal; place && place->is_unknown) {
+        place->hint = near_hint('.' + sql.substr(place->place, place->length), command_names());
     }
-}
-
-outcome session::complain(const std::string &sql, std::uint32_t code, std::optional<finding> place) {
-    fail(describe_code(code));
-    if (!traces_.is_printing()) {
-        say(explain_failure(traces_.lines()));
-    }
-    if (place) {
-        if (place->is_unknown) {
-            place->sentence += did_you_mean('.' + sql.substr(place->place, place->length), command_names());
-        }
-        say(point_at(sql, *place));
-    }
+    say(describe_refusal(database_, sql, report, error_voice()));
     return outcome::failed;
 }
 
@@ -176,7 +132,7 @@ outcome session::refuse_table(const std::string &name) const {
 }
 
 outcome session::fail(std::string_view sentence) {
-    say(fmt::format("error: {}\n", sentence));
+    say(complaint(sentence, error_voice()));
     return outcome::failed;
 }
 

@@ -76,13 +76,12 @@ class session {
     // Prints a complaint.
     static outcome fail(std::string_view sentence);
 
-    // Prints the complaint about a refused statement: the code, the trace points, the place in the text.
-    outcome complain(const std::string &sql, std::uint32_t code, std::optional<finding> place);
+    // Prints what is said of a refused statement.
+    outcome complain(const std::string &sql, qrytext::statement_report report);
 
   private:
     outcome run_when_sure(const std::string &sql);
     outcome run_at_once(const std::string &sql);
-    void tell_written(const std::string &sql, const qrytext::statement_report &report) const;
     outcome tell(const std::string &sql, const qrytext::statement_report &report);
 
     std::string database_ = "adbk_db";

@@ -60,6 +60,20 @@ bool page(const char *pager, const std::string &text) {
     return shown;
 }
 
+bool wants_colours() {
+    const char *const refused = std::getenv("NO_COLOR");
+    const char *const terminal = std::getenv("TERM");
+    return isatty(STDERR_FILENO) != 0 && (refused == nullptr || *refused == '\0') && terminal != nullptr &&
+           std::string_view(terminal) != "dumb";
+}
+
+// The shell has one standard error.
+qrytext::voice &errors() {
+    static qrytext::voice spoken =
+        wants_colours() ? qrytext::voice{"\x1B[1;31m", "\x1B[33m", "\x1B[0m", ""} : qrytext::voice{};
+    return spoken;
+}
+
 } // namespace
 
 void print(std::string_view text) {
@@ -110,6 +124,14 @@ void present(const std::string &text) {
     if (!paged || !page(pager, text)) {
         print(text);
     }
+}
+
+const qrytext::voice &error_voice() {
+    return errors();
+}
+
+void set_error_place(std::string place) {
+    errors().place = std::move(place);
 }
 
 std::size_t terminal_columns() {

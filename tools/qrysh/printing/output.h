@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "tools/text/report_text.h"
+
 namespace qrysh {
 
 // Writes an answer to standard output, or to the file that stands for it, at once. Throws when it cannot be
@@ -29,6 +31,12 @@ void say(std::string_view text);
 
 // Prints an answer; through $PAGER where it goes to a terminal and is longer than that.
 void present(const std::string &text);
+
+// How errors and notes are written: in colours where standard error is a terminal and NO_COLOR is not set.
+const qrytext::voice &error_voice();
+
+// From now on errors name this place, "FILE:LINE", or none.
+void set_error_place(std::string place);
 
 // How wide the terminal is on which answers are read; 0 where they are not read on one.
 std::size_t terminal_columns();

@@ -1,10 +1,12 @@
-// The counts of a report with what the statement says of keys.
-#include "tools/text/change_text.h"
+// Reports put into lines; the counts with what the statement says of keys.
+#include "tools/text/report_text.h"
 
 #include <algorithm>
 
 #include <fmt/format.h>
 
+#include "tools/text/code_text.h"
+#include "tools/text/finding.h"
 #include "tools/text/printers.h"
 #include "tools/text/schema.h"
 #include "tools/text/statement_text.h"
@@ -51,7 +53,56 @@ std::string describe_update(const std::string &db_name, const std::string &sql, 
            (share_key ? fmt::format("; {} now have the same key", changed) : "");
 }
 
+std::string describe_fault(const statement_report &report) {
+    if (report.reached_library) {
+        return describe_code(report.code);
+    }
+    return fmt::format("{}: not run{}", code_and_name(report.code),
+                       report.notes.empty() ? "" : ": a note stands against it");
+}
+
+std::string point_in_colour(const std::string &sql, finding place, const voice &spoken) {
+    const std::string lines = point_at(sql, place);
+    const std::size_t caret = lines.find('\n') + 1;
+    return fmt::format("{}{}{}{}\n", lines.substr(0, caret), spoken.fault,
+                       lines.substr(caret, lines.size() - caret - 1), spoken.off);
+}
+
+std::string describe_written(const std::string &db_name, const std::string &sql,
+                             const statement_report &report) {
+    const change_counts &changed = report.changed;
+    return changed.added + changed.replaced + changed.changed + changed.deleted == 0
+               ? ""
+               : fmt::format("before this failed: {}\n", describe_changes(db_name, sql, report));
+}
+
 } // namespace
+
+std::string complaint(std::string_view sentence, const voice &spoken) {
+    return fmt::format("{}error:{} {}{}{}\n", spoken.fault, spoken.off, spoken.place,
+                       spoken.place.empty() ? "" : ": ", sentence);
+}
+
+std::string describe_notes(const statement_report &report, const voice &spoken) {
+    std::string lines;
+    for (const finding &note : report.notes) {
+        lines += fmt::format("{}note:{} {}\n", spoken.note, spoken.off, with_hint(note, "; "));
+    }
+    return lines;
+}
+
+std::string describe_refusal(const std::string &db_name, const std::string &sql,
+                             const statement_report &report, const voice &spoken) {
+    std::string lines;
+    if (report.refusal) {
+        finding place = *report.refusal;
+        if (!report.notes.empty()) { // said already
+            place.sentence = place.hint = "";
+        }
+        lines = point_in_colour(sql, place, spoken);
+    }
+    return lines + complaint(describe_fault(report), spoken) + describe_written(db_name, sql, report);
+}
 
 std::string describe_changes(const std::string &db_name, const std::string &sql,
                              const statement_report &report) {
