@@ -128,7 +128,7 @@ class Manual:
         self.version = (reference / "input/version").read_text(encoding="utf-8")
         self.date = date()
         self.examples = {path.name: path.read_text(encoding="utf-8")
-                         for path in sorted((reference / "input/examples").glob("*.c*"))}
+                         for path in sorted(ROOT.glob("examples/*.c*"))}
 
     def write(self, name, lines):
         head = [f".Dd {self.date}", f".Dt {name.upper()} 3", f".Os qrylib {self.version}", ".Sh NAME"]

@@ -6,7 +6,7 @@ from pathlib import Path
 
 FENCE = re.compile(r"^\s*```")
 LINK = re.compile(r"(!?)\[((?:[^\]\[]|`[^`]*`)*)\]\(([^)\s]+)\)")
-CODE_SPAN = re.compile(r"(`[^`]*`)")
+CODE_SPAN = re.compile(r"(`[^`]+`)")
 
 
 def anchor_of(heading):
@@ -35,21 +35,32 @@ class MarkdownPage:
         self.title = "The project" if name == "readme" else ""
 
     def text(self):
-        lines = []
+        done = []
+        prose = []
         fenced = False
         titled = False
+
+        def flush():
+            done.append(self.prose("\n".join(prose)))
+            prose.clear()
+
         for line in self.path.read_text(encoding="utf-8").split("\n"):
             if FENCE.match(line):
+                flush()
                 fenced = not fenced
-                lines.append(re.sub(r"```(sh|console|sql|ebnf|text|python|c|cpp)$", self.language, line))
+                done.append(re.sub(r"```(sh|console|sql|ebnf|text|python|c|cpp)$", self.language, line))
             elif fenced:
-                lines.append(line)
+                done.append(line)
             elif re.match("#+ ", line):
-                lines.append(self.heading(line, titled))
+                flush()
+                done.append(self.heading(line, titled))
                 titled = True
             else:
-                lines.append(self.prose(line))
-        return "\n".join(lines)
+                prose.append(line)
+                if not line.strip():
+                    flush()
+        flush()
+        return "\n".join(done)
 
     @staticmethod
     def language(found):
@@ -57,6 +68,7 @@ class MarkdownPage:
         return "```{." + found[1] + "}" if found[1] in ("c", "cpp") else "```{.unparsed}"
 
     def heading(self, line, titled):
+        """Headings are shown without marks."""
         words = line.lstrip("# ")
         anchor = f"{self.name}-{anchor_of(words)}"
         repeated = self.anchors.setdefault(anchor, 0)
@@ -65,16 +77,17 @@ class MarkdownPage:
             anchor += f"-{repeated}"
         if self.title and not titled:
             return f"# {self.title} {{#{self.name}}}"
-        return f"{self.plain(line)} {{#{anchor if titled else self.name}}}"
+        return f"{self.escape(line.replace('`', ''))} {{#{anchor if titled else self.name}}}"
 
-    def prose(self, line):
-        """Links first, since their words may hold code; the rest between code spans."""
+    def prose(self, text):
+        """Links first, since their words may hold code; the rest between code spans, which may go over a line's end."""
         pieces = []
         end = 0
-        for found in LINK.finditer(line):
-            pieces += [self.plain(line[end:found.start()]), self.link(found)]
+        for found in LINK.finditer(text):
+            pieces += [self.plain(text[end:found.start()]), self.link(found)]
             end = found.end()
-        return "".join([*pieces, self.plain(line[end:])])
+        text = "".join([*pieces, self.plain(text[end:])])
+        return re.sub(r"\*\*(.+?)\*\*", r"<b>\1</b>", text, flags=re.S)
 
     def plain(self, text):
         parts = CODE_SPAN.split(text)
@@ -83,8 +96,15 @@ class MarkdownPage:
 
     @classmethod
     def span(cls, code):
-        """Names of nobody, which compilers write in braces, stand in the way of doxygen's own links in code."""
-        return f"<code>{cls.escape(code.strip('`'))}</code>" if "}::" in code else code
+        """Between two marks at least, since doxygen takes an apostrophe for the end of what begins with one; between three
+        where it would do so with two. It drops a "%" there, and stumbles over the braces of names that nobody has."""
+        inside = code.strip("`")
+        if "%" in inside or "}::" in inside:
+            entities = {"&": "&amp;", "<": "&lt;", ">": "&gt;", '"': "&quot;"}
+            text = "".join(entities.get(letter, "\\" + letter if letter in "\\@#%*_" else letter) for letter in inside)
+            return f"<code>{text.replace('::', chr(92) + '::')}</code>"
+        mark = "```" if "''" in inside else "``"
+        return f"{mark}{inside}{mark}"
 
     @staticmethod
     def escape(text):

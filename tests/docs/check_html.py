@@ -12,9 +12,37 @@ from html.parser import HTMLParser
 from pathlib import Path
 from urllib.parse import unquote, urlsplit
 
-# The platform's side calls these, or provides them: docs/porting.md and the workstation's sources are their example.
-WITHOUT_EXAMPLE = re.compile(r"dsql_db_handle_callback|pfw\w+|tbct\w+|tbSTC\w+|fsa_\w+|sdb_\w+|cmn_\w+|qryhost_\w+_sink")
+# The platform calls it, callers never do; and types of functions.
+WITHOUT_EXAMPLE = re.compile(r"dsql_db_handle_callback|\w+_sink")
 CLASSES = {"database", "statement", "value", "rowset", "row", "error"}
+
+
+class Words(HTMLParser):
+    """What a page says, and what of it in code."""
+
+    def __init__(self, path):
+        super().__init__()
+        self.codes = []
+        self.inside = []
+        self.plain = []
+        self.feed(path.read_text(encoding="utf-8"))
+
+    def handle_starttag(self, tag, attributes):
+        kind = dict(attributes).get("class") or ""
+        if tag == "code":
+            self.codes.append("")
+        if tag in ("code", "script", "style") or (tag == "div" and (self.inside or "fragment" in kind)):
+            self.inside.append(tag)
+
+    def handle_endtag(self, tag):
+        if self.inside and self.inside[-1] == tag:
+            self.inside.pop()
+
+    def handle_data(self, text):
+        if self.inside and self.inside[-1] == "code":
+            self.codes[-1] += text
+        elif not self.inside:
+            self.plain.append(text)
 
 
 class Page(HTMLParser):
@@ -70,6 +98,27 @@ def check_links(html):
     return wrong + ([] if len(links) > 2000 else ["so few links: what was read is not the reference"])
 
 
+def plain_code(text):
+    return re.sub(r"\s+", " ", text.replace("\\|", "|").replace("\xa0", " ")).strip()
+
+
+def check_pages(html, root):
+    """The code that a Markdown page names is the same in HTML, and no mark of Markdown is left over."""
+    wrong = []
+    count = 0
+    for path in [*root.glob("docs/*.md"), *root.glob("*.md")]:
+        name = {"README": "readme"}.get(path.stem, path.stem.lower())
+        source = re.sub(r"^ *```.*?^ *```|^#+ .*?$", "", path.read_text(encoding="utf-8"), flags=re.S | re.M)
+        spans = {plain_code(span) for span in re.findall(r"`([^`]+)`", source)}
+        words = Words(html / f"{name}.html")
+        count += len(spans)
+        wrong += [f"{name}.html: `{span}` is not code there" for span in sorted(spans - set(map(plain_code, words.codes)))]
+        left = re.search(r".{0,30}(\*\*|`|</?tt>).{0,30}", "".join(words.plain))
+        wrong += [f"{name}.html: a mark is left over: {left[0]}"] if left else []
+    print(f"{count} pieces of code")
+    return wrong + ([] if count > 500 else ["so little code: what was read is not the pages"])
+
+
 def functions(xml):
     for path in xml.glob("*.xml"):
         for member in ET.parse(path).getroot().iter("memberdef"):
@@ -114,6 +163,7 @@ def check_manuals(man, xml):
 def check_reference(folder):
     html = folder / "html"
     wrong = check_links(html)
+    wrong += check_pages(html, Path(__file__).resolve().parents[2])
     wrong += check_examples(html, folder / "xml", folder / "input/examples")
     wrong += check_start(html, (folder / "input/version").read_text(encoding="utf-8"))
     return wrong + check_manuals(folder / "man", folder / "xml")
