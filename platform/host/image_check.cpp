@@ -12,6 +12,7 @@
 #include "platform/host/image_file.h"
 #include "platform/host/process_number.h"
 #include "platform/host/qryhost.h"
+#include "platform/host/roomy.h"
 #include "platform/host/write_in_progress.h"
 
 namespace qryhost {
@@ -182,8 +183,20 @@ void check_guards(store_memory &memory, findings &found) {
     }
 }
 
+// An image that opens has the capacities of this build.
+void tell_capacities(findings &found) {
+    const std::vector<category_place> &all = store_layout::get().categories();
+    const bool is_roomy = std::none_of(all.begin(), all.end(), [](const category_place &place) {
+        return !place.is_setting && place.record_num == 0;
+    });
+    found.remark(is_roomy ? "the capacities are the roomy device's: " + std::to_string(roomy_records) +
+                                " records where the device has none"
+                          : "the capacities are the device's own");
+}
+
 void check_image_file(const char *path, findings &found) {
     store_memory memory = open_image_for_reading(path);
+    tell_capacities(found);
     check_guards(memory, found);
     const std::vector<std::uint8_t> region = element_store(std::move(memory)).snapshot();
     for (const norvane::database_schema *database : norvane::databases) {

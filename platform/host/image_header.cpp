@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "exec/schema/schema.h"
+#include "platform/host/roomy.h"
 
 namespace qryhost {
 
@@ -66,10 +67,10 @@ void add_schema(content_hash &hash) {
     }
 }
 
-std::uint64_t layout_hash(const memory_shape &shape) {
+std::uint64_t layout_hash(const memory_shape &shape, const store_layout &layout) {
     content_hash hash;
     add_schema(hash);
-    for (const element_place &place : store_layout::get().elements()) {
+    for (const element_place &place : layout.elements()) {
         for (const std::uint32_t number : {place.category, place.element, place.offset,
                                            std::uint32_t{place.size}, std::uint32_t{place.record_num}}) {
             hash.add(number);
@@ -79,6 +80,26 @@ std::uint64_t layout_hash(const memory_shape &shape) {
     hash.add(shape.guard_stride);
     hash.add(shape.region_offset);
     return hash.value();
+}
+
+// The devices whose images a shell of this build may be handed.
+struct known_device {
+    std::uint16_t (*capacity)(std::uint16_t records);
+    const char *whose;
+};
+constexpr known_device known_devices[] = {
+    {capacity_on_device, "the device's own, qrysh opens it"},
+    {capacity_on_roomy_device, "the roomy device's, qrysh --roomy opens it"},
+};
+
+// Whose the capacities are in an image of another layout.
+std::string other_capacities(const image_header &header) {
+    for (const known_device &device : known_devices) {
+        if (layout_hash(memory_shape::get(), store_layout(device.capacity)) == header.layout_hash) {
+            return std::string("its capacities are ") + device.whose;
+        }
+    }
+    return "its schema or capacities differ";
 }
 
 // What the file says there, as far as it can be shown.
@@ -114,7 +135,7 @@ std::string difference(const image_header &header, const image_header &expected)
         return "is a device image of a machine with another word size";
     }
     if (header.layout_hash != expected.layout_hash) {
-        return "is a device image of another layout: its schema or capacities differ";
+        return "is a device image of another layout: " + other_capacities(header);
     }
     if (!has_mutexes_of(header, expected)) {
         return "is a device image with the locks of another C library: " + c_library_of(header) + ", here " +
@@ -133,7 +154,7 @@ image_header make_header(std::uint32_t version, const memory_shape &shape) {
     header.version = version;
     header.word_size = sizeof(void *);
     header.file_size = shape.bytes;
-    header.layout_hash = layout_hash(shape);
+    header.layout_hash = layout_hash(shape, store_layout::get());
     return header;
 }
 

@@ -23,12 +23,12 @@ bool same_element(const element_place &a, const element_place &b) {
 } // namespace
 
 const store_layout &store_layout::get() {
-    static const store_layout layout;
+    static const store_layout layout([](std::uint16_t records) { return records; });
     return layout;
 }
 
-store_layout::store_layout() {
-    collect_tables();
+store_layout::store_layout(std::uint16_t (*capacity)(std::uint16_t records)) {
+    collect_tables(capacity);
     collect_settings();
     std::sort(elements_.begin(), elements_.end(), in_order);
     merge_shared_elements();
@@ -36,14 +36,14 @@ store_layout::store_layout() {
     index_elements();
 }
 
-void store_layout::collect_tables() {
+void store_layout::collect_tables(std::uint16_t (*capacity)(std::uint16_t records)) {
     for (const norvane::database_schema *database : norvane::databases) {
         for (const QRY_LIB_TABLE_DEF &table : norvane::tables_of(*database)) {
             for (const QRY_LIB_ELEMENT_DEF &column : norvane::columns_of(table)) {
                 const QRY_LIB_ELEMENT_INFO &info = column.info;
                 const auto end = static_cast<std::uint16_t>(info.member_offset + info.size);
                 elements_.push_back({info.category_id, info.element_id, 0, end,
-                                     norvane::capacity_of(info.category_id), 0, false});
+                                     capacity(norvane::capacity_of(info.category_id)), 0, false});
             }
         }
     }

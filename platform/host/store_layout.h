@@ -42,6 +42,9 @@ class store_layout {
   public:
     static const store_layout &get();
 
+    // That of a device with other capacities: `capacity` turns this one's into those.
+    explicit store_layout(std::uint16_t (*capacity)(std::uint16_t records));
+
     // Null when there is no such element. Here, not in the source, because each value that is read starts
     // with it.
     const element_place *find(std::uint32_t category, std::uint32_t element) const {
@@ -79,8 +82,7 @@ class store_layout {
         return (mixed >> 16) & (slot_num - 1);
     }
 
-    store_layout();
-    void collect_tables();
+    void collect_tables(std::uint16_t (*capacity)(std::uint16_t records));
     void collect_settings();
     void merge_shared_elements();
     void place_elements();

@@ -110,6 +110,13 @@ echo .quit >script.sql
 expect 0 '' '' '.read script.sql' "$count"
 HOME=$scratch expect 0 '' '' '.read ~/script.sql' "$count"
 
+# A file of answers is its owner's alone: records hold passwords.
+expect 0 '' '' --sample '.output answers.txt' "$count"
+if [ "$(stat -c %a answers.txt)" != 600 ] || ! grep -q '^      10$' answers.txt; then
+    echo "a file of answers is everybody's, or is not written"
+    failures=$((failures + 1))
+fi
+
 # What is asked for may be refused as a whole.
 expect 1 '' '*only SELECT may run here*error: * not run' --readonly 'DELETE FROM PSN_TBL'
 expect 1 '' '*only SELECT may run here*error: * not run' --readonly 'UPDATE PSN_TBL SET PSN_ID = 1'

@@ -15,6 +15,7 @@
 #include "tools/qrysh/printing/output.h"
 #include "tools/qrysh/prompt/line_source.h"
 #include "tools/qrysh/prompt/personal_file.h"
+#include "tools/qrysh/roomy.h"
 
 namespace {
 
@@ -126,6 +127,9 @@ int run(int argc, char **argv) {
     if (chosen.exit_status >= 0) {
         return chosen.exit_status;
     }
+    if (chosen.roomy) {
+        return become_roomy(argv);
+    }
     if (!chosen.check.empty()) {
         return session::check(chosen.check) == outcome::failed ? 1 : 0;
     }
@@ -134,7 +138,7 @@ int run(int argc, char **argv) {
         return 1;
     }
     if (reads_terminal(chosen)) {
-        greet(shell);
+        greet(shell, QRYSH_PROGRAM);
     }
     dispatcher roof(shell);
     for (const std::unique_ptr<line_source> &lines : open_sources(chosen, hooks_of(shell, roof))) {

@@ -61,6 +61,7 @@ options parse_options(int argc, char **argv) {
     app.add_option("--image", chosen.image, "open a device image")->option_text("FILE");
     app.add_option("--new", chosen.new_image, "create a device image and open it")->option_text("FILE");
     app.add_flag("--sample", chosen.sample, "open the sample device");
+    app.add_flag("--roomy", chosen.roomy, "be a device with room for records in every table");
     app.add_option("--check", chosen.check, "examine a device image and end")->option_text("FILE");
     app.add_option("--fixture", chosen.fixture, "load records from a JSON file first")->option_text("FILE");
     app.add_option("--db", chosen.db, "database of the statements (adbk_db)")->option_text("NAME");

@@ -17,6 +17,7 @@ struct options {
     std::string file;
     std::vector<std::string> statements; // after them
     bool sample = false;
+    bool roomy = false;
     bool trace = false;
     bool echo = false;
     bool bail = false;

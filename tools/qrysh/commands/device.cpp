@@ -82,9 +82,12 @@ outcome load_sample(session &shell) {
 
 } // namespace
 
+fs::path program_folder() {
+    return fs::read_symlink("/proc/self/exe").parent_path();
+}
+
 std::string sample_file() {
-    const fs::path program = fs::read_symlink("/proc/self/exe");
-    return (program.parent_path() / QRYSH_DATA_FOLDER / "office.json").lexically_normal().string();
+    return (program_folder() / QRYSH_DATA_FOLDER / "office.json").lexically_normal().string();
 }
 
 std::string describe_device(session &shell) {
@@ -100,8 +103,8 @@ std::string describe_device(session &shell) {
 }
 
 // A store that cannot be opened does not keep the shell from starting: .open opens another.
-void greet(session &shell) {
-    say(fmt::format("qrysh {}; .help lists the commands\n", qry_lib_version()));
+void greet(session &shell, std::string_view program) {
+    say(fmt::format("{} {}; .help lists the commands\n", program, qry_lib_version()));
     try {
         say(fmt::format("{}{}\n", describe_device(shell),
                         shell.device() == private_memory ? "; .open --sample opens one with records" : ""));

@@ -1,7 +1,9 @@
 // Which device the shell works on, and how it is opened.
 #pragma once
 
+#include <filesystem>
 #include <string>
+#include <string_view>
 
 #include "tools/qrysh/commands/session.h"
 
@@ -22,8 +24,11 @@ outcome open_device(session &shell, const device_choice &chosen);
 // "NAME: N records in use".
 std::string describe_device(session &shell);
 
-// What is said at a terminal before the first prompt.
-void greet(session &shell);
+// What is said at a terminal before the first prompt; `program` is how the shell is called.
+void greet(session &shell, std::string_view program);
+
+// Where the program lies.
+std::filesystem::path program_folder();
 
 // The file with the sample device's records, which lies where the program's own files do.
 std::string sample_file();

@@ -1,6 +1,7 @@
 // Standard output, standard error, and the pager between the answer and the terminal.
 #include "tools/qrysh/printing/output.h"
 
+#include <fcntl.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -90,7 +91,9 @@ void print(std::string_view text) {
 
 void redirect_answers(const std::string &path, bool once) {
     end_redirection();
-    FILE *const file = std::fopen(path.c_str(), "we");
+    constexpr mode_t owners_alone = 0600; // records hold passwords
+    const int number = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, owners_alone);
+    FILE *const file = number < 0 ? nullptr : ::fdopen(number, "w");
     if (file == nullptr) {
         throw std::system_error(errno, std::generic_category(), path);
     }
