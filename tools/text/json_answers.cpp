@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "exec/schema/schema.h"
 #include "tools/text/engine.h"
 #include "tools/text/json_text.h"
 #include "tools/text/listings.h"
@@ -145,19 +146,23 @@ json_value keys_json(const explanation &explained) {
                : list;
 }
 
-json_value schema_column_json(const qry_lib_catalog_column_ &column) {
-    return {{"name", column.name},
-            {"type", column_type_name(column.type)},
-            {"size", column.size},
-            {"key", column.is_key != 0}};
+// Where a column's value lies is known to the library's own schema alone.
+json_value schema_column_json(const qry_lib_catalog_column_ &column, const QRY_LIB_TABLE_DEF &table) {
+    const QRY_LIB_ELEMENT_INFO &place = norvane::find_column(norvane::columns_of(table), column.name)->info;
+    return {{"name", column.name},         {"type", column_type_name(column.type)},
+            {"size", column.size},         {"key", column.is_key != 0},
+            {"element", place.element_id}, {"offset", place.member_offset}};
 }
 
 json_value schema_table_json(const std::string &db_name, const std::string &table) {
+    const QRY_LIB_TABLE_DEF &place =
+        *norvane::find_table(*norvane::find_database(db_name.c_str()), table.c_str());
     json_value columns = json_value::array();
     for (const qry_lib_catalog_column_ &column : table_columns(db_name, table)) {
-        columns.push_back(schema_column_json(column));
+        columns.push_back(schema_column_json(column, place));
     }
     return {{"name", table},
+            {"category", norvane::category_of(place)},
             {"capacity", table_capacity(db_name, table)},
             {"in_use", records_in_use(db_name, table)},
             {"columns", std::move(columns)}};

@@ -2,10 +2,16 @@
 #include <qrytext/qrytext.h>
 #include <qrytext/qrytext.hpp>
 
+#include <qrylib/element_table.h>
+
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <map>
+#include <set>
 #include <thread>
+#include <vector>
 
 #include "platform/host/qryhost.h"
 
@@ -225,6 +231,35 @@ TEST_F(companion, SnapshotsAreComparedByKey) {
     EXPECT_EQ(changed[1], json::parse(R"({"key":{"PSN_ID":2},"column":"PSN_NAME","a":"Becker","b":"Y"})"));
     EXPECT_EQ(changed[2]["a"], nullptr);
     EXPECT_EQ(changed[2]["key"]["PSN_ID"], 8);
+}
+
+// The place that the schema tells is read through the library, which must find there what was loaded.
+TEST_F(companion, TheSchemaTellsWhereValuesLie) {
+    const json schema = json::parse(qrytext_schema());
+    const json &tables = schema["databases"][0]["tables"];
+    const auto people =
+        std::find_if(tables.begin(), tables.end(), [](const json &one) { return one["name"] == "PSN_TBL"; });
+    ASSERT_NE(people, tables.end());
+    const json &columns = (*people)["columns"];
+    const auto name = std::find_if(columns.begin(), columns.end(),
+                                   [](const json &one) { return one["name"] == "PSN_NAME"; });
+    ASSERT_NE(name, columns.end());
+    std::vector<char> value((*name)["size"].get<std::size_t>());
+    ASSERT_EQ(qry_lib_tb_get_stc_table((*people)["category"], 1, (*name)["element"], value.data()), 0U);
+    EXPECT_STREQ(value.data(), "Becker");
+    EXPECT_EQ((*name)["offset"], 0);
+}
+
+TEST_F(companion, TheSchemaTellsWhichColumnsLieTogether) {
+    const json schema = json::parse(qrytext_schema());
+    std::map<json, std::set<json>> offsets_of_element;
+    for (const json &column : schema["databases"][3]["tables"][8]["columns"]) {
+        offsets_of_element[column["element"]].insert(column["offset"]);
+    }
+    const bool some_share = std::any_of(offsets_of_element.begin(), offsets_of_element.end(),
+                                        [](const auto &one) { return one.second.size() > 1; });
+    EXPECT_EQ(schema["databases"][3]["tables"][8]["name"], "S_JOB_LOG_SND_TBL");
+    EXPECT_TRUE(some_share);
 }
 
 TEST_F(companion, ARefusedSnapshotTellsThePlaceAndChangesNothing) {
