@@ -1,10 +1,9 @@
 // Files read and written whole. Whatever writes a file that a user named does so by this, so that one set of
 // rules holds:
 //
-//   - A file is written under a name of its own beside the target, synced, and then given the target's name:
-//   a
-//     crash at any moment leaves the old content or the new, and nobody ever sees a part of it. Left-over
-//     names of a killed process are in nobody's way.
+//   - A file is written under a name of its own beside the target, synced, and then given the target's
+//     name: a crash at any moment leaves the old content or the new, and nobody ever sees a part of it.
+//     Left-over names of a killed process are in nobody's way.
 //   - A link is followed, and what it leads to is replaced; except somebody else's link in a folder that
 //     everybody may write to.
 //   - The new file has the mode of the one that it replaces. A new name is its owner's alone (0600): records
@@ -12,7 +11,7 @@
 //   - What is no regular file (a device, a pipe) is written through, and so are the process's own open files
 //     (/dev/stdout, /dev/fd/3).
 //   - A SQLite database file that does not carry `database_mark` is refused: it holds somebody's other
-//   tables.
+//     tables.
 //
 // Asking before a file is replaced is the caller's business; what_stands() tells whether there is one.
 //
