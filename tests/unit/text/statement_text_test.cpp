@@ -19,6 +19,15 @@ std::string complaint(const std::string &text) {
     return "accepted";
 }
 
+std::string hint(const std::string &text) {
+    try {
+        parse_write_statement(text);
+    } catch (const syntax_error &error) {
+        return error.hint();
+    }
+    return "accepted";
+}
+
 cell number(std::int64_t value) {
     return value;
 }
@@ -87,6 +96,15 @@ TEST(statement_text, what_is_neither_number_nor_text_is_refused) {
     }
 }
 
+TEST(statement_text, tells_what_to_write_instead) {
+    EXPECT_EQ(hint("insert INTO T (A) VALUES (1)"), "keywords are upper case");
+    EXPECT_EQ(hint("INSERT INTO T (A) values (1)"), "keywords are upper case: write VALUES");
+    EXPECT_EQ(hint("INSERT INTO T (A, B) VALUES (1)"), "write 2 values, one for each column");
+    EXPECT_EQ(hint("INSERT INTO T VALUES (1)"), "write INSERT INTO TABLE (COLUMN, ...) VALUES (VALUE, ...)");
+    EXPECT_EQ(hint("UPDATE T SET A = x"), "write 1 or 'TEXT'");
+    EXPECT_EQ(hint("UPDATE T SET A = 1 WHERE"), "write WHERE COLUMN = 1");
+}
+
 TEST(statement_text, capacities_of_the_record_are_kept) {
     EXPECT_EQ(value_of("'" + std::string(2999, 'x') + "'"), text(std::string(2999, 'x')));
     EXPECT_EQ(complaint("UPDATE T SET A = '" + std::string(3000, 'x') + "'"),
@@ -118,16 +136,14 @@ TEST_P(statement_text_refusal, names_the_place_and_the_reason) {
 INSTANTIATE_TEST_SUITE_P(
     insert, statement_text_refusal,
     testing::Values(
-        refused_text{"insert INTO T (A) VALUES (1)",
-                     "at character 1: expected INSERT or UPDATE (keywords are upper case)"},
-        refused_text{"INSERT T (A) VALUES (1)", "at character 8: expected INTO (keywords are upper case)"},
+        refused_text{"insert INTO T (A) VALUES (1)", "at character 1: expected INSERT or UPDATE"},
+        refused_text{"INSERT T (A) VALUES (1)", "at character 8: expected INTO"},
         refused_text{"INSERT INTO (A) VALUES (1)", "at character 13: expected a table name"},
         refused_text{"INSERT INTO T VALUES (1)", "at character 15: expected \"(\" and the columns to write"},
         refused_text{"INSERT INTO T () VALUES (1)", "at character 16: expected a column name"},
         refused_text{"INSERT INTO T (A B) VALUES (1)", "at character 18: expected \")\""},
-        refused_text{"INSERT INTO T (A) (1)", "at character 19: expected VALUES (keywords are upper case)"},
-        refused_text{"INSERT INTO T (A, B) VALUES (1)",
-                     "at character 31: expected \",\" and a value: there are 2 columns"},
+        refused_text{"INSERT INTO T (A) (1)", "at character 19: expected VALUES"},
+        refused_text{"INSERT INTO T (A, B) VALUES (1)", "at character 31: expected \",\" and a value"},
         refused_text{"INSERT INTO T (A) VALUES (1, 2)",
                      "at character 28: expected \")\" after the last column's value"},
         refused_text{"INSERT INTO T (A) VALUES ('x)", "at character 27: the quote is not closed"},
@@ -137,7 +153,7 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     update, statement_text_refusal,
     testing::Values(refused_text{"UPDATE", "at character 7: expected a table name"},
-                    refused_text{"UPDATE T A = 1", "at character 10: expected SET (keywords are upper case)"},
+                    refused_text{"UPDATE T A = 1", "at character 10: expected SET"},
                     refused_text{"UPDATE T SET = 1", "at character 14: expected a column name"},
                     refused_text{"UPDATE T SET A 1", "at character 16: expected \"=\""},
                     refused_text{"UPDATE T SET A = 1 B = 2",
