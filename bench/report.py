@@ -133,7 +133,9 @@ def main():
     if sizes is not None:
         (docs / "benchmark-sizes.svg").write_text(sizes)
         page = page.replace("@SIZES@", size_table(times))
-    (docs / "benchmarks.md").write_text(page)
+    # The section about fleets is scripts/bench_fleet.sh's.
+    _, heading, fleets = (docs / "benchmarks.md").read_text().partition("\n## Fleets\n")
+    (docs / "benchmarks.md").write_text(page + heading + fleets)
 
 
 if __name__ == "__main__":

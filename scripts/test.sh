@@ -7,6 +7,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 scripts/install_packages.sh
+tests/analysis/install.sh
 runs=()
 for preset in dev device firmware package fuzz; do
     echo "== $preset"

@@ -130,6 +130,15 @@ class Connection:
         """A new cursor that has run a statement for each row of parameters."""
         return self.cursor().executemany(operation, seq_of_parameters)
 
+    def check(self, statement: str) -> None:
+        """Raises what execute() would raise before it runs the statement, and does not run it."""
+        with _native.lock:
+            self._check_open()
+            text = _native.to_bytes(_as_one_line(statement), "the statement")
+            told = _native.answer("qrytext_check", self._strict if self.strict else self._plain, text)
+        if not told["ok"]:
+            raise _error_of({**told, "traces": ()}, statement, Changed())
+
     def explain(self, statement: str) -> Explanation:
         """How a statement is understood, without running it."""
         self._check_open()
@@ -155,6 +164,29 @@ class Connection:
 
 def _characters(statement: bytes, place: int) -> int:
     return len(_native.to_str(statement[:place]))
+
+
+def _error_of(told: dict[str, Any], operation: str, changed: Changed) -> Error:
+    """The exception for an answer that is not ok."""
+    statement = _native.to_bytes(operation, "the statement")
+    refusal = told["refusal"] or {"text": told["text"], "hint": "", "from": None}
+    place = None
+    if refusal["from"] is not None:
+        place = (_characters(statement, refusal["from"]), _characters(statement, refusal["to"]))
+    is_value = place is not None and not told["traces"] and operation[slice(*place)] == "?"
+    kind: type[errors.DatabaseError] = errors.DataError
+    if not is_value:
+        kind = errors.kind_of(told["code"], told["traces"])
+    return kind(
+        refusal["text"],
+        code=told["code"],
+        name=told["name"] if told["code"] else "",
+        hint=refusal["hint"],
+        place=place,
+        statement=operation,
+        traces=told["traces"],
+        changed=changed,
+    )
 
 
 def _as_one_line(operation: str) -> str:
@@ -244,23 +276,22 @@ class Cursor:
         return self
 
     def _run(self, operation: str, values: bytes) -> dict[str, Any]:
-        statement = _native.to_bytes(operation, "the statement")
         told = self.connection._run(_native.to_bytes(_as_one_line(operation), "the statement"), values)
-        _store.last_run.update(statement=operation, traces=told["traces"], place=None, text="")
+        _store.last_run.update(statement=operation, traces=told["traces"])
         self.changed = Changed(**told["changed"])
         self.rowcount = self.changed.total()
         self.code = told["code"]
-        self._tell_notes(told, statement)
+        self._tell_notes(told)
         if told["ok"] or self._matched_nothing(told):
             return told
-        raise self._error(told, operation, statement)
+        raise _error_of(told, operation, self.changed)
 
     @staticmethod
     def _matched_nothing(told: dict[str, Any]) -> bool:
         """An UPDATE that matches no record: rowcount 0 here, and a code of the library's own."""
         return bool(told["kind"] == "update" and told["code"] == _NO_SUCH_ITEM)
 
-    def _tell_notes(self, told: dict[str, Any], statement: bytes) -> None:
+    def _tell_notes(self, told: dict[str, Any]) -> None:
         for note in told["notes"] if told["ok"] else ():
             text = f"{note['text']}; {note['hint']}" if note["hint"] else note["text"]
             self.messages.append((errors.Warning, errors.Warning(text)))
@@ -268,27 +299,6 @@ class Cursor:
         if told["ok"] and told["notes"] and self.connection.strict:
             told["ok"] = False
             told["refusal"] = told["notes"][0]
-
-    def _error(self, told: dict[str, Any], operation: str, statement: bytes) -> Error:
-        refusal = told["refusal"] or {"text": told["text"], "hint": "", "from": None}
-        place = None
-        if refusal["from"] is not None:
-            place = (_characters(statement, refusal["from"]), _characters(statement, refusal["to"]))
-        _store.last_run.update(place=place, text=refusal["text"])
-        is_value = place is not None and not told["traces"] and operation[slice(*place)] == "?"
-        kind: type[errors.DatabaseError] = errors.DataError
-        if not is_value:
-            kind = errors.kind_of(told["code"], told["traces"])
-        return kind(
-            refusal["text"],
-            code=told["code"],
-            name=told["name"] if told["code"] else "",
-            hint=refusal["hint"],
-            place=place,
-            statement=operation,
-            traces=told["traces"],
-            changed=self.changed,
-        )
 
     def _describe(self, columns: list[dict[str, str]]) -> None:
         tables = schema().get(self.connection.database, {})

@@ -1,19 +1,25 @@
 #!/usr/bin/env bash
-# Runs the shell commands of docs/analysis.md, and compares what they print with what the page shows.
+# Runs the shell commands of docs/analysis.md in a folder, and compares what they print with what the page shows.
 #
-# usage: analysis.sh SQLITE COMMAND... (sqlite3's path, or "none"; the shell's full path, behind an emulator where
-# it needs one)
+# usage: analysis.sh SQLITE PYTHON INSTALLED FOLDER COMMAND... (sqlite3's path, or "none"; python3's; where the package of
+# Python is installed; the shell's full path, behind an emulator where it needs one)
 set -euo pipefail
 sqlite=$1
-command=("${@:2}")
+python=$2
+installed=$3
+folder=$4
+command=("${@:5}")
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 [ "$sqlite" != none ] || exit 77
+"$python" -c "import distributed, pandas, matplotlib" || exit 77
 
-scratch=$(mktemp -d)
-trap 'rm -rf "$scratch"' EXIT
-cd "$scratch"
+rm -rf "$folder"
+mkdir -p "$folder"
+cd "$folder"
 ln -s "$root/examples" examples
 
+libraries=$(dirname "$(find "$installed" -name 'libqrytext.so.1')")
+python3() { PYTHONPATH=$installed/lib/python3/dist-packages LD_LIBRARY_PATH=$libraries "$python" "$@"; }
 qrysh() { "${command[@]}" "$@"; }
 sqlite3() { "$sqlite" "$@"; }
 
@@ -23,7 +29,8 @@ block() {
 }
 block sh >commands.sh
 block text >shown
-[ -s commands.sh ] && [ -s shown ]
+block python >questions.py
+[ -s commands.sh ] && [ -s shown ] && [ -s questions.py ]
 
 # shellcheck disable=SC1091
 source ./commands.sh >printed
