@@ -124,6 +124,9 @@ class ChildDevice:
                 is_done, told = read_message(process.stdout)
             except (EOFError, BrokenPipeError):
                 raise OperationalError(f"the device's process ended with status {process.wait()}") from None
+            except BaseException:  # an answer that nobody took would be the next call's
+                process.kill()
+                raise
         if not is_done:
             raise told
         return told

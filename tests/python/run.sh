@@ -25,7 +25,7 @@ types)
     exec "$python" -m mypy --config-file "$sources/python/pyproject.toml" --cache-dir /dev/null -p qrylib
     ;;
 api)
-    needs pytest
+    needs "pytest, pandas"
     exec "$python" -m pytest -q -p no:cacheprovider "$here" --ignore-glob='*test_fleet*'
     ;;
 fleet)

@@ -195,6 +195,12 @@ def test_what_kills_or_stops_its_reader_is_given_up(folder, accidents):
     assert answer.given == 7 == answer.read + len(answer.bad)
 
 
+def test_a_reader_that_does_not_start_is_nobodys_fault(folder):
+    job = fleet.read(folder(a=departments(1)), "department_db", "DEPT_TBL").task.job
+    with pytest.raises(qrylib.InterfaceError, match="does not start: status 3"):
+        supervisor.ReaderProcess("raise SystemExit(3)").read("a.json", job)
+
+
 def test_threads_are_refused(folder):
     reading = fleet.read(folder(a=departments(1)), "department_db", "DEPT_TBL")
     for options in ({"scheduler": "threads"}, {}):

@@ -83,17 +83,17 @@ def test_answers_equal_sqlites(client, night):
     assert len(some.frame) == engine.execute("SELECT count(*) FROM DEPT WHERE TOTAL_M > 9000").fetchone()[0] > 0
 
 
-def kill_a_worker_when(client, is_time):
-    """Kills one of the workers' processes at a moment; answers the thread that waits for it, and whom it killed."""
+def kill_a_worker_when(client, count, least):
+    """Kills one of the workers when at least so much is done; answers the thread that does, and how much was done then."""
+    pids = list(client.run(os.getpid).values())
     killed = []
 
     def wait_and_kill():
         end = time.monotonic() + 60
-        while time.monotonic() < end and not is_time():
-            time.sleep(0.005)
-        pids = [info["pid"] for info in client.run(lambda: {"pid": os.getpid()}).values()]
+        while time.monotonic() < end and count() < least:
+            time.sleep(0.002)
+        killed.append(count())
         os.kill(pids[0], signal.SIGKILL)
-        killed.append(pids[0])
 
     thread = threading.Thread(target=wait_and_kill)
     thread.start()
@@ -104,10 +104,10 @@ def test_a_worker_killed_while_writing_leaves_neither_doubles_nor_gaps(client, n
     names, engine, bad = night
     out = tmp_path / "out"
     reading = fleet.read(names, "department_db", "DEPT_TBL", columns=COLUMNS, batch=25)
-    thread, killed = kill_a_worker_when(client, lambda: len(list(out.glob("part-*"))) >= 10)
+    thread, killed = kill_a_worker_when(client, lambda: len(list(out.glob("part-*"))), 10)
     known = fleet.write(reading, out)
     thread.join()
-    assert killed
+    assert 10 <= killed[0] < len(reading.batches)
     assert (known.given, known.read, len(known.bad)) == (DEVICES, DEVICES - bad, bad)
     assert len(list(out.glob("part-*"))) == len(known.parts) == len(reading.batches)
     assert not list(out.glob(".part-*")) and (out / "_manifest.json").exists()
@@ -121,16 +121,16 @@ def test_a_worker_killed_while_reading_changes_no_answer(client, night):
     names, engine, bad = night
     reading = fleet.read(names, "department_db", "DEPT_TBL", columns=COLUMNS, batch=25)
     client.wait_for_workers(2, timeout=60)
-    futures = client.compute([reading.frame, reading.files])
     scheduler = client.cluster.scheduler
 
-    def is_in_the_middle():
-        return sum(state.state == "memory" for state in list(scheduler.tasks.values())) >= 10
+    def done():
+        return sum(state.state == "memory" for state in list(scheduler.tasks.values()))
 
-    thread, killed = kill_a_worker_when(client, is_in_the_middle)
+    thread, killed = kill_a_worker_when(client, done, 10)
+    futures = client.compute([reading.frame, reading.files])
     frame, files = client.gather(futures)
     thread.join()
-    assert killed
+    assert 10 <= killed[0] < 2 * len(reading.batches)
     answer = fleet.Answer(frame, files, reading.given)
     assert (len(files), answer.read, len(answer.bad)) == (DEVICES, DEVICES - bad, bad)
     assert sorted(frame[["device", *COLUMNS]].itertuples(index=False, name=None)) == everything(engine)

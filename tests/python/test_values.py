@@ -1,7 +1,9 @@
 """Values on their way to the device and back, and what a condition cannot say."""
 
+import multiprocessing
 import pickle
 import random
+from concurrent.futures import ProcessPoolExecutor
 
 import pytest
 
@@ -182,6 +184,18 @@ def test_rows_errors_and_differences_are_pickled_whole(office, people):
         assert again(before).text == before.text
         assert again(qrylib.STRING) is qrylib.STRING
         assert again(qrylib.explain("SELECT PSN_ID FROM PSN_TBL")).tables == ("PSN_TBL",)
+
+
+def _refuse(_):
+    with qrylib.connect("adbk_db") as connection:
+        connection.execute(TRACED)
+
+
+def test_errors_come_whole_out_of_a_pool():
+    with ProcessPoolExecutor(1, mp_context=multiprocessing.get_context("spawn")) as pool:
+        error = pool.submit(_refuse, 0).exception(timeout=60)
+    assert type(error) is qrylib.ProgrammingError and error.statement == TRACED
+    assert error.code == 0x5241 and error.traces[0].line == 415 and error.place is not None
 
 
 def test_to_pandas_has_the_types_of_the_schema(people, departments):

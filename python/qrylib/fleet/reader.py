@@ -18,6 +18,7 @@ from qrylib.connection import Connection
 from qrylib.device import Device, Snapshot, open_device
 from qrylib.errors import Error
 
+READY = "ready"
 PROGRAM = "from qrylib.fleet.reader import serve; serve()"
 
 
@@ -120,6 +121,7 @@ def serve() -> None:
     requests, answers = sys.stdin.buffer, os.fdopen(os.dup(1), "wb")
     os.dup2(2, 1)  # what a library prints is no message
     reader = Reader()
+    write_message(answers, READY)
     while True:
         try:
             request = read_message(requests)

@@ -11,7 +11,7 @@ from dataclasses import dataclass
 from typing import Any, Optional, Union
 
 from qrylib.child import read_message, start_python, write_message
-from qrylib.errors import ProgrammingError
+from qrylib.errors import InterfaceError, ProgrammingError
 from qrylib.fleet.reader import PROGRAM, Job
 
 
@@ -38,26 +38,38 @@ class ReaderProcess:
 
     def read(self, path: str, job: Job) -> Union[Rows, Bad]:
         """The rows of a snapshot. One that kills its readers is given up; others are read by the next reader."""
+        status = 0
         for _ in range(job.limits.tries):
             try:
-                self._prepare(job)
-                return self._ask(path, job)
+                return self._ask(self._prepared(job), path, job)
             except (EOFError, BrokenPipeError):
                 status = self._end()
+            except BaseException:  # an answer that nobody took would be the next snapshot's
+                self.close()
+                raise
         return Bad(f"ended its reader with status {status} in {job.limits.tries} tries")
 
-    def _prepare(self, job: Job) -> None:
-        if self._process is None:
-            self._process = start_python(self._program)
-            self._job = None
+    def _prepared(self, job: Job) -> "subprocess.Popen[bytes]":
+        process = self._process or self._started()
         if self._job != job:
-            assert self._process.stdin is not None
-            write_message(self._process.stdin, job)
+            assert process.stdin is not None
+            write_message(process.stdin, job)
             self._job = job
+        return process
 
-    def _ask(self, path: str, job: Job) -> Union[Rows, Bad]:
-        process = self._process
-        assert process is not None and process.stdin is not None and process.stdout is not None
+    def _started(self) -> "subprocess.Popen[bytes]":
+        """A reader that is ready: its start is not the snapshot's time, nor its failure the snapshot's fault."""
+        self._process = process = start_python(self._program)
+        self._job = None
+        assert process.stdout is not None
+        try:
+            read_message(process.stdout)
+            return process
+        except EOFError:
+            raise InterfaceError(f"the process that reads snapshots does not start: status {self._end()}") from None
+
+    def _ask(self, process: "subprocess.Popen[bytes]", path: str, job: Job) -> Union[Rows, Bad]:
+        assert process.stdin is not None and process.stdout is not None
         write_message(process.stdin, path)
         # A reader that has an answer sends all of it at once.
         if not select.select([process.stdout], [], [], job.limits.seconds)[0]:
