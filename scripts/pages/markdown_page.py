@@ -135,7 +135,7 @@ class MarkdownPage:
             return f"@ref {folder}/{place.name}"
         if relative == "docs/trace-points.tsv":
             return "@ref trace_points"
-        if place.parent == self.root / "examples":
+        if place.parent == self.root / "examples" and place.suffix in (".c", ".cpp"):
             return f"@ref {place.name}"
         if relative == "platform":
             return "@ref porters"
