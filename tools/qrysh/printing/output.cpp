@@ -82,10 +82,10 @@ void print(std::string_view text) {
     FILE *const stream = to.file == nullptr ? stdout : to.file;
     to.written = true;
     if (std::fwrite(text.data(), 1, text.size(), stream) != text.size() || std::fflush(stream) != 0) {
-        const std::system_error error(errno, std::generic_category(),
-                                      to.file == nullptr ? "standard output" : to.path);
+        const int reason = errno;
+        const std::string name = to.file == nullptr ? "standard output" : to.path;
         end_redirection();
-        throw error;
+        throw std::system_error(reason, std::generic_category(), name);
     }
 }
 
