@@ -1,30 +1,21 @@
-// The two engines that the benchmark compares, filled with the same records.
+// SQLite, which the library is compared with, holding the same records.
 #pragma once
 
 #include <cstdint>
-#include <string>
-#include <vector>
 
-#include <qrylib/qrylib.h>
 #include <sqlite3.h>
+
+#include "library.h"
 
 namespace bench {
 
-// How many departments both engines hold: what the element tables were built for.
-std::uint16_t department_num();
-
-// Fills DEPT_TBL (all columns) and EDIT_CNT_TBL of this library alone.
-void fill_element_tables();
-
-// The same of both engines. Exits with a sentence on any failure.
-void fill(sqlite3 *database);
-
+// In memory.
 sqlite3 *open_database();
 
-// Runs a SELECT through the public C functions and reads every value; what it read, folded into one number.
-std::uint64_t query(const char *sql);
+// Fills both engines. Exits with a sentence on any failure.
+void fill(sqlite3 *database);
 
-// The same on a prepared SQLite statement, which is reset afterwards.
+// Runs a prepared SELECT and reads every value, folded as the library's are; it is reset afterwards.
 std::uint64_t query(sqlite3_stmt *statement);
 
 // Prepares, runs and finalizes.

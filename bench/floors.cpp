@@ -6,7 +6,7 @@
 
 #include <qrylib/qrylib.h>
 
-#include "engines.h"
+#include "library.h"
 #include "platform/element_table.h"
 #include "platform/host/qryhost.h"
 #include "platform/os.h"

@@ -8,7 +8,7 @@
 
 #include <unistd.h>
 
-#include "engines.h"
+#include "library.h"
 #include "platform/host/qryhost.h"
 #include "statements.h"
 

@@ -3,7 +3,7 @@
 
 #include <qrylib/qrylib.h>
 
-#include "engines.h"
+#include "library.h"
 
 namespace bench {
 
