@@ -57,7 +57,7 @@ int qry_lib_db_executer::exec_internal(const qry_lib_analyze_info &info, qry_lib
         close_catalog();
         return trace_code(__func__, 231, code);
     }
-    record_list records;
+    record_numbers records;
     if (const int code = create_search_table_id(category, keys, records); code != 0) {
         close_catalog();
         return trace_code(__func__, 240, code);
@@ -72,14 +72,14 @@ int qry_lib_db_executer::exec_internal(const qry_lib_analyze_info &info, qry_lib
 }
 
 int qry_lib_db_executer::dispatch(const qry_lib_analyze_info &info, unsigned int category,
-                                  record_list records, qry_lib_db_rowset_ *rowset) {
+                                  record_numbers records, qry_lib_db_rowset_ *rowset) {
     switch (info.get_exec_type()) {
     case QRY_LIB_DB_QUERY_TYPE_INSERT:
-        return exec_insert(info, category, std::move(records));
+        return exec_insert(info, category, records);
     case QRY_LIB_DB_QUERY_TYPE_UPDATE:
-        return exec_update(info, std::move(records));
+        return exec_update(info, records);
     case QRY_LIB_DB_QUERY_TYPE_DELETE:
-        return exec_delete(info, category, std::move(records));
+        return exec_delete(info, category, records);
     case QRY_LIB_DB_QUERY_TYPE_SELECT:
     case QRY_LIB_DB_QUERY_TYPE_COUNT:
         return rowset == nullptr ? 0 : exec_select(info, std::move(records), *rowset);

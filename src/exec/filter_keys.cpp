@@ -188,7 +188,7 @@ int qry_lib_db_executer::create_primary_filter_key_chk(QRY_LIB_ELEMENT_INFO info
 }
 
 int qry_lib_db_executer::create_search_table_id(unsigned int category, filter_keys &keys,
-                                                record_list &records) {
+                                                record_numbers &records) {
     if (keys.size() > UINT16_MAX) {
         return trace_code(__func__, __LINE__, QRY_LIB_NOT_ACCEPTED);
     }

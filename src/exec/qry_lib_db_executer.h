@@ -16,6 +16,13 @@
 
 namespace norvane {
 
+// Record numbers from 0. A list becomes them wherever they are handed in.
+class record_numbers : public std::vector<unsigned short> {
+  public:
+    using std::vector<unsigned short>::vector;
+    record_numbers(const std::list<unsigned short> &numbers) : vector(numbers.begin(), numbers.end()) {}
+};
+
 // One object serves one call at a time. exec() is the whole route; the operations behind it are public so
 // that each can be driven alone, after open_catalog(). All answer 0 or the first failing step's code, traced.
 //
@@ -24,7 +31,7 @@ namespace norvane {
 class qry_lib_db_executer {
   public:
     using filter_keys = std::list<qry_lib_tb_list_filter_key_>;
-    using record_list = std::list<unsigned short>; // record numbers from 0
+    using record_list = std::list<unsigned short>;
 
     qry_lib_db_executer() = default;
     qry_lib_db_executer(const qry_lib_db_executer &) = delete;
@@ -55,29 +62,38 @@ class qry_lib_db_executer {
     int create_filter_key(const qry_lib_analyze_info &info, unsigned int &category, filter_keys &keys);
 
     // Appends the numbers of the matching records, ascending.
+    int create_search_table_id(unsigned int category, filter_keys &keys, record_numbers &records);
     int create_search_table_id(unsigned int category, filter_keys &keys, record_list &records);
 
     // SELECT and COUNT (select.cpp).
-    int exec_select(const qry_lib_analyze_info &info, record_list records, qry_lib_db_rowset_ &rowset);
-    int exec_select_proc(const qry_lib_analyze_info &info, record_list records, qry_lib_db_rowset_ &rowset);
+    int exec_select(const qry_lib_analyze_info &info, record_numbers records, qry_lib_db_rowset_ &rowset);
+    int exec_select_proc(const qry_lib_analyze_info &info, record_numbers records,
+                         qry_lib_db_rowset_ &rowset);
     int add_standard_cols(qry_lib_analyze_info &info);
 
-    // ORDER BY (sort.cpp). `count` is the byte size of the pointer array.
+    // ORDER BY (sort.cpp): appends the ordered numbers. `count` is the byte size of the pointer array.
+    int sort_tbdb_table_id(const qry_lib_analyze_info &info, record_numbers records, record_numbers &sorted);
     int sort_tbdb_table_id(const qry_lib_analyze_info &info, record_list records, record_list &sorted);
     int sort_tbdb_table_id_internal(void **items, std::uint32_t count, QRY_LIB_ODER_TYPE order,
+                                    const QRY_LIB_ELEMENT_INFO &element, const record_numbers &records,
+                                    record_numbers &sorted);
+    int sort_tbdb_table_id_internal(void **items, std::uint32_t count, QRY_LIB_ODER_TYPE order,
                                     QRY_LIB_ELEMENT_INFO element, record_list records, record_list &sorted);
+    int sort_internal(void **items, std::uint32_t count, QRY_LIB_ODER_TYPE order, char *block,
+                      const QRY_LIB_ELEMENT_INFO &element, const record_numbers &records,
+                      record_numbers &sorted);
     int sort_internal(void **items, std::uint32_t count, QRY_LIB_ODER_TYPE order, char *block,
                       QRY_LIB_ELEMENT_INFO element, record_list records, record_list &sorted);
     void create_sort_param(const QRY_LIB_ELEMENT_INFO &element, QRY_LIB_ODER_TYPE order, std::uint32_t count,
                            CMN_LIB_SORT_PARAM_T &param);
 
     // INSERT, UPDATE, DELETE (write.cpp). Writes made before a failure stay made.
-    int exec_insert(const qry_lib_analyze_info &info, unsigned int category, record_list records);
+    int exec_insert(const qry_lib_analyze_info &info, unsigned int category, const record_numbers &records);
     int exec_new_insert(const qry_lib_analyze_info &info, unsigned int category);
-    int exec_update_insert(const qry_lib_analyze_info &info, record_list records);
-    int exec_update(const qry_lib_analyze_info &info, record_list records);
-    int exec_delete(const qry_lib_analyze_info &info, unsigned int category, record_list records);
-    int set_tb_table(const qry_lib_analyze_info &info, record_list records);
+    int exec_update_insert(const qry_lib_analyze_info &info, const record_numbers &records);
+    int exec_update(const qry_lib_analyze_info &info, const record_numbers &records);
+    int exec_delete(const qry_lib_analyze_info &info, unsigned int category, const record_numbers &records);
+    int set_tb_table(const qry_lib_analyze_info &info, const record_numbers &records);
 
   private:
     // A column of the statement, which owns it, and where it lies.
@@ -88,10 +104,10 @@ class qry_lib_db_executer {
     };
     using target_columns = std::vector<target_column>;
 
-    int dispatch(const qry_lib_analyze_info &info, unsigned int category, record_list records,
+    int dispatch(const qry_lib_analyze_info &info, unsigned int category, record_numbers records,
                  qry_lib_db_rowset_ *rowset);
     int create_condition_key(const qry_lib_analyze_info &info, std::uint16_t index, filter_keys &keys);
-    int read_rows(const target_columns &columns, const char *table, const record_list &records,
+    int read_rows(const target_columns &columns, const char *table, const record_numbers &records,
                   qry_lib_db_rowset_ &rowset);
 
     // Finds every column of the statement. The function and its two points are those of a column that cannot

@@ -25,7 +25,7 @@ void copy_name(char (&to)[Size], const char (&from)[Size], std::size_t length) {
 
 } // namespace
 
-int qry_lib_db_executer::exec_select(const qry_lib_analyze_info &info, record_list records,
+int qry_lib_db_executer::exec_select(const qry_lib_analyze_info &info, record_numbers records,
                                      qry_lib_db_rowset_ &rowset) {
     if (info.get_cols_num() != 0) {
         const int code = exec_select_proc(info, std::move(records), rowset);
@@ -59,14 +59,14 @@ int qry_lib_db_executer::add_standard_cols(qry_lib_analyze_info &info) {
     return 0;
 }
 
-int qry_lib_db_executer::exec_select_proc(const qry_lib_analyze_info &info, record_list records,
+int qry_lib_db_executer::exec_select_proc(const qry_lib_analyze_info &info, record_numbers records,
                                           qry_lib_db_rowset_ &rowset) {
     const auto row_num = static_cast<std::uint16_t>(records.size());
     if (qry_lib_db_rowset_lib().init_rowset(info.get_cols_num(), row_num, rowset) != 0) {
         return trace_code(__func__, 380, QRY_LIB_ROWSET_NOT_CREATED);
     }
     rowset_guard unfinished(rowset);
-    record_list sorted;
+    record_numbers sorted;
     if (const int code = sort_tbdb_table_id(info, std::move(records), sorted); code != 0) {
         return trace_code(__func__, 387, code);
     }
@@ -101,7 +101,7 @@ int qry_lib_db_executer::resolve_columns(const qry_lib_analyze_info &info, const
 
 // Writes each value once, where the caller will read it.
 int qry_lib_db_executer::read_rows(const target_columns &columns, const char *table,
-                                   const record_list &records, qry_lib_db_rowset_ &rowset) {
+                                   const record_numbers &records, qry_lib_db_rowset_ &rowset) {
     static constexpr char name[] = "exec_select_proc";
     const qry_lib_db_rowset_lib rows;
     char table_name[sizeof QRY_LIB_COLUMN::table_name] = {};

@@ -32,8 +32,8 @@ constexpr compare_kind_row compare_kinds[] = {
 
 } // namespace
 
-int qry_lib_db_executer::sort_tbdb_table_id(const qry_lib_analyze_info &info, record_list records,
-                                            record_list &sorted) {
+int qry_lib_db_executer::sort_tbdb_table_id(const qry_lib_analyze_info &info, record_numbers records,
+                                            record_numbers &sorted) {
     char column[QRY_LIB_COLUMN_NAME_MAX + 1];
     QRY_LIB_ODER_TYPE order;
     info.get_order(column, order);
@@ -50,22 +50,23 @@ int qry_lib_db_executer::sort_tbdb_table_id(const qry_lib_analyze_info &info, re
         return trace_code(__func__, 1243, QRY_LIB_NO_MEMORY);
     }
     const auto count = static_cast<std::uint32_t>(records.size() * sizeof(void *));
-    return sort_tbdb_table_id_internal(items.as<void *>(), count, order, element, std::move(records), sorted);
+    return sort_tbdb_table_id_internal(items.as<void *>(), count, order, element, records, sorted);
 }
 
 int qry_lib_db_executer::sort_tbdb_table_id_internal(void **items, std::uint32_t count,
-                                                     QRY_LIB_ODER_TYPE order, QRY_LIB_ELEMENT_INFO element,
-                                                     record_list records, record_list &sorted) {
+                                                     QRY_LIB_ODER_TYPE order,
+                                                     const QRY_LIB_ELEMENT_INFO &element,
+                                                     const record_numbers &records, record_numbers &sorted) {
     pool_block block;
     if (block.take(records.size(), element.size + record_number_size) != 0) {
         return trace_code(__func__, 1286, QRY_LIB_NO_MEMORY);
     }
-    return sort_internal(items, count, order, block.as<char>(), element, std::move(records), sorted);
+    return sort_internal(items, count, order, block.as<char>(), element, records, sorted);
 }
 
 int qry_lib_db_executer::sort_internal(void **items, std::uint32_t count, QRY_LIB_ODER_TYPE order,
-                                       char *block, QRY_LIB_ELEMENT_INFO element, record_list records,
-                                       record_list &sorted) {
+                                       char *block, const QRY_LIB_ELEMENT_INFO &element,
+                                       const record_numbers &records, record_numbers &sorted) {
     element_buffer buffer;
     void **next = items;
     char *item = block;
@@ -90,11 +91,12 @@ int qry_lib_db_executer::sort_internal(void **items, std::uint32_t count, QRY_LI
         trace_return(__func__, 1358, result);
         return QRY_LIB_NOT_ACCEPTED;
     }
-    void *const *ordered = items;
-    for (unsigned short &record : records) {
-        std::memcpy(&record, *ordered++, record_number_size);
+    sorted.reserve(sorted.size() + records.size());
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        unsigned short record;
+        std::memcpy(&record, items[i], record_number_size);
+        sorted.push_back(record);
     }
-    sorted.splice(sorted.end(), records);
     return 0;
 }
 

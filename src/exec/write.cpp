@@ -16,9 +16,9 @@ bool fits_element(const QRY_LIB_COLUMN &column, const QRY_LIB_ELEMENT_INFO &elem
 } // namespace
 
 int qry_lib_db_executer::exec_insert(const qry_lib_analyze_info &info, unsigned int category,
-                                     record_list records) {
+                                     const record_numbers &records) {
     // An existing key is overwritten.
-    return records.empty() ? exec_new_insert(info, category) : exec_update_insert(info, std::move(records));
+    return records.empty() ? exec_new_insert(info, category) : exec_update_insert(info, records);
 }
 
 int qry_lib_db_executer::exec_new_insert(const qry_lib_analyze_info &info, unsigned int category) {
@@ -27,7 +27,7 @@ int qry_lib_db_executer::exec_new_insert(const qry_lib_analyze_info &info, unsig
         code != 0) {
         return code;
     }
-    record_list free_records;
+    record_numbers free_records;
     if (const int code = create_search_table_id(category, keys, free_records); code != 0) {
         return trace_code(__func__, 595, code);
     }
@@ -38,21 +38,21 @@ int qry_lib_db_executer::exec_new_insert(const qry_lib_analyze_info &info, unsig
     return code == 0 ? 0 : trace_code(__func__, 615, code);
 }
 
-int qry_lib_db_executer::exec_update_insert(const qry_lib_analyze_info &info, record_list records) {
-    const int code = set_tb_table(info, std::move(records));
+int qry_lib_db_executer::exec_update_insert(const qry_lib_analyze_info &info, const record_numbers &records) {
+    const int code = set_tb_table(info, records);
     return code == 0 ? 0 : trace_code(__func__, 642, code);
 }
 
-int qry_lib_db_executer::exec_update(const qry_lib_analyze_info &info, record_list records) {
+int qry_lib_db_executer::exec_update(const qry_lib_analyze_info &info, const record_numbers &records) {
     if (records.empty()) {
         return trace_code(__func__, 705, QRY_LIB_NO_SUCH_ITEM);
     }
-    const int code = set_tb_table(info, std::move(records));
+    const int code = set_tb_table(info, records);
     return code == 0 ? 0 : trace_code(__func__, 712, code);
 }
 
 int qry_lib_db_executer::exec_delete(const qry_lib_analyze_info &, unsigned int category,
-                                     record_list records) {
+                                     const record_numbers &records) {
     for (const unsigned short record : records) {
         if (qry_lib_tb_reset_one_stc_table(category, record) != 0) {
             return trace_code(__func__, 680, QRY_LIB_FAILURE);
@@ -61,7 +61,7 @@ int qry_lib_db_executer::exec_delete(const qry_lib_analyze_info &, unsigned int 
     return 0;
 }
 
-int qry_lib_db_executer::set_tb_table(const qry_lib_analyze_info &info, record_list records) {
+int qry_lib_db_executer::set_tb_table(const qry_lib_analyze_info &info, const record_numbers &records) {
     target_columns columns;
     if (const int code = resolve_columns(info, __func__, 1134, 1142, columns); code != 0) {
         return code;
