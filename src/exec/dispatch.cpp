@@ -52,7 +52,7 @@ int qry_lib_db_executer::exec_internal(const qry_lib_analyze_info &info, qry_lib
         return trace_code(__func__, 222, QRY_LIB_INVALID_ARGUMENT);
     }
     unsigned int category = 0;
-    filter_keys keys;
+    light_keys keys;
     if (const int code = create_filter_key(info, category, keys); code != 0) {
         close_catalog();
         return trace_code(__func__, 231, code);
@@ -62,7 +62,6 @@ int qry_lib_db_executer::exec_internal(const qry_lib_analyze_info &info, qry_lib
         close_catalog();
         return trace_code(__func__, 240, code);
     }
-    keys.clear(); // 3 KB each, while the rows take theirs
     const int code = dispatch(info, category, std::move(records), rowset);
     if (rowset != nullptr) {
         qry_lib_db_rowset_lib().first_record_index(*rowset);

@@ -17,12 +17,6 @@ int on_list(qry_lib_db_executer::record_list &list, Operation operation) {
 
 } // namespace
 
-int qry_lib_db_executer::create_search_table_id(unsigned int category, filter_keys &keys,
-                                                record_list &records) {
-    return on_list(records,
-                   [&](record_numbers &numbers) { return create_search_table_id(category, keys, numbers); });
-}
-
 int qry_lib_db_executer::sort_tbdb_table_id(const qry_lib_analyze_info &info, record_list records,
                                             record_list &sorted) {
     return on_list(sorted,

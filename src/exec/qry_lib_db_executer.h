@@ -23,6 +23,15 @@ class record_numbers : public std::vector<unsigned short> {
     record_numbers(const std::list<unsigned short> &numbers) : vector(numbers.begin(), numbers.end()) {}
 };
 
+// A filter key before it goes into the search's array, without the 3000 bytes of its value there.
+struct light_key {
+    const QRY_LIB_ELEMENT_INFO *element; // the schema's
+    QRY_LIB_OPERATION_TYPE operation;
+    QRY_LIB_JOIN_TYPE join;
+    std::uint32_t number; // the value of a number
+    std::string text;     // or of a string
+};
+
 // One object serves one call at a time. exec() is the whole route; the operations behind it are public so
 // that each can be driven alone, after open_catalog(). All answer 0 or the first failing step's code, traced.
 //
@@ -30,6 +39,7 @@ class record_numbers : public std::vector<unsigned short> {
 // INSERT's starts with one such key for each key column.
 class qry_lib_db_executer {
   public:
+    using light_keys = std::vector<light_key>;
     using filter_keys = std::list<qry_lib_tb_list_filter_key_>;
     using record_list = std::list<unsigned short>;
 
@@ -50,19 +60,23 @@ class qry_lib_db_executer {
     int open_catalog(const char *db_name);
     void close_catalog() { qry_lib_table_element_factory::delete_elemet(&catalog_); }
 
-    // Filter keys and search (filter_keys.cpp).
+    // Filter keys and search (filter_keys.cpp). The forms with lists are those for callers outside.
     void set_filter_key(const QRY_LIB_ELEMENT_INFO &info, QRY_LIB_OPERATION_TYPE operation,
                         QRY_LIB_JOIN_TYPE join, const void *value, filter_keys &keys);
+    int create_primary_filter_key(const char *table, QRY_LIB_OPERATION_TYPE operation, light_keys &keys);
     int create_primary_filter_key(const char *table, QRY_LIB_OPERATION_TYPE operation, filter_keys &keys);
+    int create_primary_filter_key(const char *table, QRY_LIB_OPERATION_TYPE operation,
+                                  const qry_lib_analyze_info &info, light_keys &keys);
     int create_primary_filter_key(const char *table, QRY_LIB_OPERATION_TYPE operation,
                                   const qry_lib_analyze_info &info, filter_keys &keys);
 
     // 0xDB05 when `value`, in the element's representation, marks a free record.
     int create_primary_filter_key_chk(QRY_LIB_ELEMENT_INFO info, char *value);
+    int create_filter_key(const qry_lib_analyze_info &info, unsigned int &category, light_keys &keys);
     int create_filter_key(const qry_lib_analyze_info &info, unsigned int &category, filter_keys &keys);
 
     // Appends the numbers of the matching records, ascending.
-    int create_search_table_id(unsigned int category, filter_keys &keys, record_numbers &records);
+    int create_search_table_id(unsigned int category, const light_keys &keys, record_numbers &records);
     int create_search_table_id(unsigned int category, filter_keys &keys, record_list &records);
 
     // SELECT and COUNT (select.cpp).
@@ -99,14 +113,18 @@ class qry_lib_db_executer {
     // A column of the statement, which owns it, and where it lies.
     struct target_column {
         const QRY_LIB_COLUMN *column;
-        QRY_LIB_ELEMENT_INFO element;
+        const QRY_LIB_ELEMENT_INFO *element;
         std::size_t name_length = 0; // the column's, for reading rows
     };
     using target_columns = std::vector<target_column>;
 
     int dispatch(const qry_lib_analyze_info &info, unsigned int category, record_numbers records,
                  qry_lib_db_rowset_ *rowset);
-    int create_condition_key(const qry_lib_analyze_info &info, std::uint16_t index, filter_keys &keys);
+    int create_condition_key(const qry_lib_analyze_info &info, std::uint16_t index, light_keys &keys);
+
+    // Runs the search with keys of any form that copy_key() puts into the array.
+    template <typename Keys>
+    int search(unsigned int category, const Keys &keys, record_numbers &records);
     int read_rows(const target_columns &columns, const char *table, const record_numbers &records,
                   qry_lib_db_rowset_ &rowset);
 

@@ -41,6 +41,10 @@ class qry_lib_table_element {
 
     int get_info(const char *table_name, const char *col_name, QRY_LIB_ELEMENT_INFO &info);
 
+    // The same for reading where the schema has them: none for an unknown table, null for an unknown column.
+    row_range<QRY_LIB_ELEMENT_DEF> columns_of(const char *table_name);
+    const QRY_LIB_ELEMENT_INFO *find_info(const char *table_name, const char *col_name);
+
     // Appends the key columns in table order.
     int get_primary_key(const char *table_name, std::list<QRY_LIB_ELEMENT_INFO> &keys);
 

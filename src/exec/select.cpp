@@ -31,7 +31,10 @@ int qry_lib_db_executer::exec_select(const qry_lib_analyze_info &info, record_nu
         const int code = exec_select_proc(info, std::move(records), rowset);
         return code == 0 ? 0 : trace_code(__func__, 316, code);
     }
-    qry_lib_analyze_info counted(info);
+    // What the rows are read by, without the conditions: they have been used.
+    qry_lib_analyze_info counted;
+    counted.set_table(info.get_table());
+    info.copy_order(counted);
     if (const int code = add_standard_cols(counted); code != 0) {
         return trace_code(__func__, 326, code);
     }
@@ -49,14 +52,13 @@ int qry_lib_db_executer::add_standard_cols(qry_lib_analyze_info &info) {
         info.add_empty_col(name);
         return 0;
     }
-    std::list<QRY_LIB_ELEMENT_INFO> keys;
-    if (const int code = catalog_->get_primary_key(info.get_table(), keys); code != 0) {
-        return trace_code(__func__, 1505, code);
+    const std::uint16_t before = info.get_cols_num();
+    for (const QRY_LIB_ELEMENT_DEF &column : catalog_->columns_of(info.get_table())) {
+        if (column.is_primary == 1) {
+            info.add_empty_col(column.info.name);
+        }
     }
-    for (const QRY_LIB_ELEMENT_INFO &key : keys) {
-        info.add_empty_col(key.name);
-    }
-    return 0;
+    return info.get_cols_num() != before ? 0 : trace_code(__func__, 1505, QRY_LIB_INVALID_ARGUMENT);
 }
 
 int qry_lib_db_executer::exec_select_proc(const qry_lib_analyze_info &info, record_numbers records,
@@ -83,6 +85,7 @@ int qry_lib_db_executer::exec_select_proc(const qry_lib_analyze_info &info, reco
 
 int qry_lib_db_executer::resolve_columns(const qry_lib_analyze_info &info, const char *function,
                                          int fetch_line, int unknown_line, target_columns &columns) {
+    const row_range<QRY_LIB_ELEMENT_DEF> known = catalog_->columns_of(info.get_table());
     columns.reserve(info.get_cols_num());
     for (std::uint16_t i = 0; i < info.get_cols_num(); ++i) {
         target_column &target = columns.emplace_back();
@@ -90,10 +93,11 @@ int qry_lib_db_executer::resolve_columns(const qry_lib_analyze_info &info, const
         if (target.column == nullptr) {
             return trace_code(function, fetch_line, QRY_LIB_NO_SUCH_ITEM);
         }
-        const int code = catalog_->get_info(info.get_table(), target.column->col_name, target.element);
-        if (code != 0) {
-            return trace_code(function, unknown_line, code);
+        const QRY_LIB_ELEMENT_DEF *row = find_column(known, target.column->col_name);
+        if (row == nullptr) {
+            return trace_code(function, unknown_line, QRY_LIB_INVALID_ARGUMENT);
         }
+        target.element = &row->info;
         target.name_length = std::strlen(target.column->col_name);
     }
     return 0;
@@ -112,7 +116,7 @@ int qry_lib_db_executer::read_rows(const target_columns &columns, const char *ta
         rows.next_record_index(rowset);
         std::uint16_t index = 0;
         for (const target_column &selected : columns) {
-            const QRY_LIB_ELEMENT_INFO &element = selected.element;
+            const QRY_LIB_ELEMENT_INFO &element = *selected.element;
             buffer.clear(element);
             const std::uint32_t code =
                 qry_lib_tb_get_stc_table(element.category_id, record, element.element_id, buffer.data());

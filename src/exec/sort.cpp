@@ -3,6 +3,7 @@
 
 #include "exec/element_buffer.h"
 #include "exec/qry_lib_db_executer.h"
+#include "util/bounded_text.h"
 #include "util/pool_block.h"
 #include "util/trace.h"
 
@@ -29,6 +30,17 @@ constexpr compare_kind_row compare_kinds[] = {
     {element_string, QRY_LIB_ODER_TYPE_ASC, 6}, {element_string, QRY_LIB_ODER_TYPE_DESC, 7},
     {element_name, QRY_LIB_ODER_TYPE_ASC, 8},   {element_name, QRY_LIB_ODER_TYPE_DESC, 9},
 };
+
+// Of a string no more than its end, cut where it fills its element: it must not run into the next item.
+void copy_key(const QRY_LIB_ELEMENT_INFO &element, const char *value, char *key) {
+    if (!is_string_element(element.elem_type) || element.size == 0) {
+        std::memcpy(key, value, element.size);
+        return;
+    }
+    const std::size_t length = bounded_length(value, std::size_t{element.size} - 1);
+    std::memcpy(key, value, length);
+    key[length] = '\0';
+}
 
 } // namespace
 
@@ -79,11 +91,8 @@ int qry_lib_db_executer::sort_internal(void **items, std::uint32_t count, QRY_LI
             return trace_code(__func__, 1343, static_cast<int>(code));
         }
         std::memcpy(item, &record, record_number_size);
-        std::memcpy(item + record_number_size, buffer.at(element.member_offset), element.size);
+        copy_key(element, buffer.at(element.member_offset), item + record_number_size);
         item += record_number_size + element.size;
-        if (is_string_element(element.elem_type)) {
-            item[-1] = '\0'; // a string that fills its element must not run into the next item
-        }
     }
     CMN_LIB_SORT_PARAM_T param;
     create_sort_param(element, order, count / static_cast<std::uint32_t>(sizeof(void *)), param);

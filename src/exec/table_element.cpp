@@ -57,28 +57,33 @@ column_text::column_text(const QRY_LIB_COLUMN &column) {
     }
 }
 
-int qry_lib_table_element::get_info(const char *table_name, const char *col_name,
-                                    QRY_LIB_ELEMENT_INFO &info) {
+row_range<QRY_LIB_ELEMENT_DEF> qry_lib_table_element::columns_of(const char *table_name) {
     short element_num = 0;
     const QRY_LIB_ELEMENT_DEF *rows = get_table_info_(table_name, element_num);
-    if (rows == nullptr || element_num < 1) {
+    return {rows,
+            rows == nullptr || element_num < 1 ? std::size_t{0} : static_cast<std::size_t>(element_num)};
+}
+
+const QRY_LIB_ELEMENT_INFO *qry_lib_table_element::find_info(const char *table_name, const char *col_name) {
+    const QRY_LIB_ELEMENT_DEF *row = find_column(columns_of(table_name), col_name);
+    return row == nullptr ? nullptr : &row->info;
+}
+
+int qry_lib_table_element::get_info(const char *table_name, const char *col_name,
+                                    QRY_LIB_ELEMENT_INFO &info) {
+    const QRY_LIB_ELEMENT_INFO *found = find_info(table_name, col_name);
+    if (found == nullptr) {
         return QRY_LIB_INVALID_ARGUMENT;
     }
-    const QRY_LIB_ELEMENT_DEF *row = find_column({rows, static_cast<std::size_t>(element_num)}, col_name);
-    if (row == nullptr) {
-        return QRY_LIB_INVALID_ARGUMENT;
-    }
-    info = row->info;
+    info = *found;
     return 0;
 }
 
 int qry_lib_table_element::get_primary_key(const char *table_name, std::list<QRY_LIB_ELEMENT_INFO> &keys) {
-    short element_num = 0;
-    const QRY_LIB_ELEMENT_DEF *rows = get_table_info_(table_name, element_num);
     int code = QRY_LIB_INVALID_ARGUMENT;
-    for (short i = 0; rows != nullptr && i < element_num; ++i) {
-        if (rows[i].is_primary == 1) {
-            keys.push_back(rows[i].info);
+    for (const QRY_LIB_ELEMENT_DEF &column : columns_of(table_name)) {
+        if (column.is_primary == 1) {
+            keys.push_back(column.info);
             code = 0;
         }
     }
@@ -86,22 +91,21 @@ int qry_lib_table_element::get_primary_key(const char *table_name, std::list<QRY
 }
 
 int qry_lib_table_element::get_first_field_name(const char *table_name, char *out) {
-    short element_num = 0;
-    const QRY_LIB_ELEMENT_DEF *rows = get_table_info_(table_name, element_num);
-    if (rows == nullptr || element_num < 1) {
+    const row_range<QRY_LIB_ELEMENT_DEF> columns = columns_of(table_name);
+    if (columns.num == 0) {
         return QRY_LIB_INVALID_ARGUMENT;
     }
-    copy_bounded<sizeof(rows->info.name) - 1>(out, static_cast<const char *>(rows->info.name));
+    copy_bounded<sizeof(columns.rows->info.name) - 1>(out,
+                                                      static_cast<const char *>(columns.rows->info.name));
     return 0;
 }
 
 int qry_lib_table_element::get_tbdb_category_id(const char *table_name, unsigned int &category) {
-    short element_num = 0;
-    const QRY_LIB_ELEMENT_DEF *rows = get_table_info_(table_name, element_num);
-    if (rows == nullptr || element_num < 1) {
+    const row_range<QRY_LIB_ELEMENT_DEF> columns = columns_of(table_name);
+    if (columns.num == 0) {
         return QRY_LIB_INVALID_ARGUMENT;
     }
-    category = rows->info.category_id;
+    category = columns.rows->info.category_id;
     return 0;
 }
 

@@ -22,7 +22,7 @@ int qry_lib_db_executer::exec_insert(const qry_lib_analyze_info &info, unsigned 
 }
 
 int qry_lib_db_executer::exec_new_insert(const qry_lib_analyze_info &info, unsigned int category) {
-    filter_keys keys;
+    light_keys keys;
     if (const int code = create_primary_filter_key(info.get_table(), QRY_LIB_OPERATION_TYPE_EQUAL, keys);
         code != 0) {
         return code;
@@ -70,7 +70,7 @@ int qry_lib_db_executer::set_tb_table(const qry_lib_analyze_info &info, const re
         return 0;
     }
     for (const target_column &target : columns) {
-        if (!fits_element(*target.column, target.element)) {
+        if (!fits_element(*target.column, *target.element)) {
             return trace_code(__func__, __LINE__, QRY_LIB_INVALID_ARGUMENT);
         }
     }
@@ -86,7 +86,7 @@ int qry_lib_db_executer::set_tb_table(const qry_lib_analyze_info &info, const re
 
 int qry_lib_db_executer::write_column(const target_column &target, unsigned short record) {
     static constexpr char name[] = "set_tb_table";
-    const QRY_LIB_ELEMENT_INFO &element = target.element;
+    const QRY_LIB_ELEMENT_INFO &element = *target.element;
     element_buffer buffer;
     buffer.clear();
     // The other members of a composite element keep their values.

@@ -7,7 +7,7 @@
 
 namespace norvane {
 
-QRY_LIB_CONDITION::QRY_LIB_CONDITION(const char *table, const char *col, const char *text,
+QRY_LIB_CONDITION::QRY_LIB_CONDITION(std::string_view table, std::string_view col, std::string_view text,
                                      QRY_LIB_OPERATION_TYPE how, QRY_LIB_JOIN_TYPE joined_by,
                                      std::int32_t quoted)
     : col_name(col), operation(how), join(joined_by), table_name(table), value_is_quoted(quoted) {

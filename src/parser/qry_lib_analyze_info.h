@@ -17,8 +17,8 @@ namespace norvane {
 // column's type is known.
 struct QRY_LIB_CONDITION {
     // Copies as much of the text as a value holds; the bytes behind it mean nothing.
-    QRY_LIB_CONDITION(const char *table, const char *col, const char *text, QRY_LIB_OPERATION_TYPE how,
-                      QRY_LIB_JOIN_TYPE joined_by, std::int32_t quoted);
+    QRY_LIB_CONDITION(std::string_view table, std::string_view col, std::string_view text,
+                      QRY_LIB_OPERATION_TYPE how, QRY_LIB_JOIN_TYPE joined_by, std::int32_t quoted);
 
     std::string col_name;
     QRY_LIB_COLUMN_VALUE value;
@@ -54,12 +54,20 @@ class qry_lib_analyze_info {
     void add_filter_cols(const char *col, const char *value, QRY_LIB_OPERATION_TYPE operation,
                          QRY_LIB_JOIN_TYPE join, std::int32_t quoted);
 
+    void add_filter(std::string_view col, std::string_view value, QRY_LIB_OPERATION_TYPE operation,
+                    QRY_LIB_JOIN_TYPE join, std::int32_t quoted) {
+        filters_.emplace_back(get_table(), col, value, operation, join, quoted);
+    }
+
     // How many columns or conditions there will be in all, as far as is known.
     void expect_cols(std::size_t num) { cols_.expect(num); }
     void expect_filter_cols(std::size_t num) { filters_.expect(num); }
 
     void set_order(const char *table, const char *col, QRY_LIB_ODER_TYPE order_type);
     void set_order(const char *col, QRY_LIB_ODER_TYPE order_type);
+    void copy_order(qry_lib_analyze_info &to) const {
+        to.set_order(order_table_.c_str(), order_col_.c_str(), order_type_);
+    }
     void all_clear();
 
     QRY_LIB_DB_QUERY_TYPE get_exec_type() const { return exec_type_; }

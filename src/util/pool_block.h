@@ -33,7 +33,7 @@ class pool_block {
     std::uint32_t take(std::uint64_t count, std::uint64_t entry_size = 1) {
         give_back();
         const std::uint64_t entries = count == 0 ? 1 : count;
-        if (entries > UINT32_MAX / entry_size) {
+        if (entries > UINT32_MAX || entry_size > UINT32_MAX || entries * entry_size > UINT32_MAX) {
             return QRY_LIB_NO_MEMORY;
         }
         void *fresh = nullptr;
