@@ -24,19 +24,23 @@ class qry_lib_sql_parser {
     static constexpr unsigned char trim_rear = 0x10;
     static constexpr unsigned char trim_both = trim_front | trim_rear;
 
-    // Text scanning (text_scan.cpp).
+    // Text scanning (text_scan.cpp). A view is narrowed where its text stands; the memory partition sees the
+    // same of it as of a string.
     std::uint32_t trim_space_front_rear(unsigned char mode, char *text) const;
     std::uint32_t trim_space_front_rear(unsigned char mode, std::string &text) const;
+    std::uint32_t trim_space_front_rear(unsigned char mode, std::string_view &text) const;
     std::uint32_t trim_space_all(char *text) const;
 
     // Trims both ends; false for a text that could not be trimmed or has nothing left.
     bool trimmed(std::string &text) const;
+    bool trimmed(std::string_view &text) const;
 
     // is_number becomes 1 when there are only decimal digits (also for the empty text), else 0.
     std::uint32_t check_col_val(const char *text, int &is_number) const;
 
     // Occurrences of the keyword, not overlapping. A null text holds none.
     std::uint32_t get_keyword_num(const char *text, const char *keyword, unsigned int &count) const;
+    static unsigned int keyword_num(std::string_view text, std::string_view keyword);
 
     // Appends the pieces between the keyword's occurrences; count is the number of pieces, 0 without any
     // occurrence, when nothing is appended.
@@ -46,7 +50,7 @@ class qry_lib_sql_parser {
     // Whether divide_keyword's scratch block can be had; false is traced in its name. For callers that read
     // the pieces one by one where the text stands: they take that block as well, so that a split costs the
     // memory partition the same, and may fail there, wherever it is made.
-    bool can_divide(const char *text) const;
+    bool can_divide(std::string_view text) const;
 
     // Splits at two keywords that stand next to each other: appends the text before the first and the text
     // after the second. count is that of the last split made; above 2, a keyword is repeated.
@@ -59,8 +63,11 @@ class qry_lib_sql_parser {
 
     // Peels one pair of single quotes off a value that begins with one; *quoted tells whether it did.
     std::uint32_t trim_single_q_str(std::string &value, int *quoted) const;
+    std::uint32_t trim_single_q_str(std::string_view &value, int *quoted) const;
     std::uint32_t trim_bracket_str(std::string &value) const;
+    std::uint32_t trim_bracket_str(std::string_view &value) const;
     std::uint32_t trim_percent_str(std::string &value) const;
+    std::uint32_t trim_percent_str(std::string_view &value) const;
 
     // 1 when the analyzed query at `index` selects the column, or names the table first; else 0.
     int get_is_col_name(unsigned short index, std::string name,
@@ -121,18 +128,33 @@ class qry_lib_sql_parser {
         unsigned int count;
     };
 
-    search_result find_two_keyword(const char *text, const char *first, const char *second,
-                                   std::vector<std::string> &out) const;
-    search_result find_where(const char *text, std::vector<std::string> &out) const;
+    // What stands before and behind a keyword, or two next to each other.
+    struct text_halves {
+        std::string_view before;
+        std::string_view after;
+    };
+
+    // The clauses of a SELECT where its text stands, the columns without blanks. Empty where there is none.
+    struct select_clauses {
+        std::string cols;
+        std::string_view tables;
+        std::string_view where;
+        std::string_view order;
+    };
+
+    search_result find_keyword(std::string_view text, std::string_view keyword, text_halves &out) const;
+    search_result find_two_keyword(std::string_view text, std::string_view first, std::string_view second,
+                                   text_halves &out) const;
+    search_result find_where(std::string_view text, text_halves &out) const;
 
     std::uint32_t analyze_statement(const char *db_name, const char *text, qry_lib_analyze_info &info) const;
-    std::uint32_t analyze_drop(std::vector<std::string> &parts, qry_lib_analyze_info &info) const;
-    std::uint32_t analyze_delete(const char *text, qry_lib_analyze_info &info) const;
-    std::uint32_t divide_clauses(const char *text, std::string &cols, std::string &tables, std::string &where,
-                                 std::string &order) const;
-    std::uint32_t divide_after_from(std::string text, std::string &tables, std::string &where,
-                                    std::string &order) const;
-    std::uint32_t set_select_tables(const std::string &tables, qry_lib_analyze_info &info) const;
+    std::uint32_t analyze_drop(text_halves parts, qry_lib_analyze_info &info) const;
+    std::uint32_t analyze_delete(std::string_view text, qry_lib_analyze_info &info) const;
+    std::uint32_t set_filter(std::string_view where, qry_lib_analyze_info &info) const;
+    std::uint32_t find_clauses(std::string_view sql, select_clauses &out) const;
+    std::uint32_t divide_clauses(std::string_view text, std::string_view sql, select_clauses &out) const;
+    std::uint32_t divide_after_from(std::string_view text, select_clauses &out) const;
+    std::uint32_t set_select_tables(std::string_view tables, qry_lib_analyze_info &info) const;
     std::uint32_t set_select_cols(const std::string &cols, bool sorted, qry_lib_analyze_info &info) const;
     std::uint32_t add_condition(std::string_view condition, QRY_LIB_JOIN_TYPE join,
                                 qry_lib_analyze_info &info) const;

@@ -12,109 +12,122 @@ namespace norvane {
 std::uint32_t qry_lib_sql_parser::divide_select_reserve_str(const char *sql, std::string &cols,
                                                             std::string &tables, std::string &where,
                                                             std::string &order) const {
+    select_clauses clauses;
+    const std::uint32_t code = find_clauses(sql, clauses);
+    if (!clauses.cols.empty()) {
+        cols = std::move(clauses.cols);
+    }
+    const std::pair<std::string_view, std::string *> outputs[] = {
+        {clauses.tables, &tables}, {clauses.where, &where}, {clauses.order, &order}};
+    for (const auto &[clause, output] : outputs) {
+        if (!clause.empty()) {
+            *output = clause;
+        }
+    }
+    return code;
+}
+
+std::uint32_t qry_lib_sql_parser::find_clauses(std::string_view sql, select_clauses &out) const {
     // The blank in front lets SELECT stand at the very start.
     pool_block scratch;
     if (scratch.take_text(sql, " ") != 0) {
-        return trace_return(__func__, 924, QRY_LIB_NO_MEMORY);
+        return trace_return("divide_select_reserve_str", 924, QRY_LIB_NO_MEMORY);
     }
-    return divide_clauses(scratch.as<char>(), cols, tables, where, order);
+    return divide_clauses({scratch.as<char>(), sql.size() + 1}, sql, out);
 }
 
-std::uint32_t qry_lib_sql_parser::divide_clauses(const char *text, std::string &cols, std::string &tables,
-                                                 std::string &where, std::string &order) const {
+// `text` is `sql` behind a blank, and does not last.
+std::uint32_t qry_lib_sql_parser::divide_clauses(std::string_view text, std::string_view sql,
+                                                 select_clauses &out) const {
     static constexpr char name[] = "divide_select_reserve_str";
-    std::vector<std::string> at_select;
-    unsigned int count = 0;
-    if (divide_keyword(text, " SELECT ", count, at_select) != 0 || count != 2) {
+    text_halves at_select;
+    if (find_keyword(text, " SELECT ", at_select).outcome != found::yes) {
         return refuse(name, 936);
     }
-    if (trim_space_front_rear(trim_both, at_select[0]) != 0 || !at_select[0].empty()) {
+    if (trim_space_front_rear(trim_both, at_select.before) != 0 || !at_select.before.empty()) {
         return refuse(name, 945);
     }
-    std::vector<std::string> at_from;
-    if (divide_keyword(at_select[1].c_str(), " FROM ", count, at_from) != 0 || count != 2) {
+    text_halves at_from;
+    const std::string_view selected = sql.substr(sql.size() - at_select.after.size());
+    if (find_keyword(selected, " FROM ", at_from).outcome != found::yes) {
         return refuse(name, 957);
     }
-    std::string &list = at_from[0];
+    std::string list(at_from.before);
     const std::uint32_t code = trim_space_all(list.data());
     list.resize(std::strlen(list.c_str()));
     if (code != 0 || list.empty()) {
         return refuse(name, 967);
     }
-    cols = std::move(list);
-    return divide_after_from(std::move(at_from[1]), tables, where, order);
+    out.cols = std::move(list);
+    return divide_after_from(at_from.after, out);
 }
 
-std::uint32_t qry_lib_sql_parser::divide_after_from(std::string text, std::string &tables, std::string &where,
-                                                    std::string &order) const {
+std::uint32_t qry_lib_sql_parser::divide_after_from(std::string_view text, select_clauses &out) const {
     static constexpr char name[] = "divide_select_reserve_str";
-    std::vector<std::string> at_order;
-    const found sorted = find_two_keyword(text.c_str(), " ORDER ", " BY ", at_order).outcome;
+    text_halves at_order;
+    const found sorted = find_two_keyword(text, " ORDER ", " BY ", at_order).outcome;
     if (sorted == found::repeated || sorted == found::no_memory) {
         return refuse(name, 985);
     }
     if (sorted == found::yes) {
-        text = std::move(at_order[0]);
+        text = at_order.before;
         // A blank sort phrase is dropped: the query runs unsorted.
-        if (at_order[1].find_first_not_of(' ') != std::string::npos) {
-            order = std::move(at_order[1]);
+        if (at_order.after.find_first_not_of(' ') != std::string_view::npos) {
+            out.order = at_order.after;
         }
     }
-    std::vector<std::string> at_where;
-    const found filtered = find_where(text.c_str(), at_where).outcome;
+    text_halves at_where;
+    const found filtered = find_where(text, at_where).outcome;
     if (filtered == found::repeated || filtered == found::no_memory) {
         return refuse(name, 1007);
     }
     if (filtered == found::yes) {
-        where = std::move(at_where[0]);
-        tables = std::move(at_where[1]);
+        out.where = at_where.after;
+        out.tables = at_where.before;
         return 0;
     }
     if (!trimmed(text)) {
         return refuse(name, 1019);
     }
-    tables = std::move(text);
+    out.tables = text;
     return 0;
 }
 
 std::uint32_t qry_lib_sql_parser::analyze_sql_select(const char *db_name, const char *sql,
                                                      qry_lib_analyze_info &info) const {
     info.set_db_name(db_name);
-    std::string cols;
-    std::string tables;
-    std::string where;
-    std::string order;
-    if (divide_select_reserve_str(sql, cols, tables, where, order) != 0) {
+    select_clauses clauses;
+    if (find_clauses(sql, clauses) != 0) {
         return refuse(__func__, 165);
     }
-    if (const std::uint32_t code = set_select_tables(tables, info); code != 0) {
+    if (const std::uint32_t code = set_select_tables(clauses.tables, info); code != 0) {
         return code;
     }
-    if (!where.empty() && set_filter_str(where.c_str(), info) != 0) {
+    if (!clauses.where.empty() && set_filter(clauses.where, info) != 0) {
         return refuse(__func__, 213);
     }
-    if (!order.empty() && set_sort_str(order.c_str(), info) != 0) {
+    const bool sorted = !clauses.order.empty();
+    if (sorted && set_sort_str(std::string(clauses.order).c_str(), info) != 0) {
         return refuse(__func__, 222);
     }
-    return set_select_cols(cols, !order.empty(), info);
+    return set_select_cols(clauses.cols, sorted, info);
 }
 
-std::uint32_t qry_lib_sql_parser::set_select_tables(const std::string &tables,
+std::uint32_t qry_lib_sql_parser::set_select_tables(std::string_view tables,
                                                     qry_lib_analyze_info &info) const {
     static constexpr char name[] = "analyze_sql_select";
-    unsigned int comma_num = 0;
-    get_keyword_num(tables.c_str(), ",", comma_num);
-    if (!can_divide(tables.c_str())) {
+    const unsigned int comma_num = keyword_num(tables, ",");
+    if (!can_divide(tables)) {
         return refuse(name, 172);
     }
     if (comma_num >= UINT16_MAX || (comma_num == 0 && tables.size() > QRY_LIB_TABLE_NAME_MAX)) {
         return refuse(name, __LINE__);
     }
     if (comma_num == 0) {
-        info.set_table(tables.c_str());
+        info.set_table(std::string(tables).c_str());
         return 0;
     }
-    text_pieces items(tables.c_str(), ",");
+    text_pieces items(tables, ",");
     for (std::string_view item; items.next(item);) {
         pool_block table;
         if (table.take_text(item) != 0) {
@@ -138,10 +151,9 @@ std::uint32_t qry_lib_sql_parser::set_select_cols(const std::string &cols, bool 
     if (list.take_text(cols) != 0) {
         return trace_return(name, 231, QRY_LIB_NO_MEMORY);
     }
-    unsigned int comma_num = 0;
-    unsigned int count_num = 0;
-    get_keyword_num(list.as<char>(), ",", comma_num);
-    get_keyword_num(list.as<char>(), "COUNT(*)", count_num);
+    const std::string_view text(list.as<char>(), cols.size());
+    const unsigned int comma_num = keyword_num(text, ",");
+    const unsigned int count_num = keyword_num(text, "COUNT(*)");
     if (count_num > 0 && (comma_num > 0 || sorted)) {
         return refuse_showing_0(name, comma_num > 0 ? 242 : 249);
     }
@@ -150,14 +162,14 @@ std::uint32_t qry_lib_sql_parser::set_select_cols(const std::string &cols, bool 
         return 0;
     }
     info.set_exec_type(QRY_LIB_DB_QUERY_TYPE_SELECT);
-    if (!can_divide(list.as<char>())) {
+    if (!can_divide(text)) {
         return refuse(name, 269);
     }
     if (comma_num >= UINT16_MAX) {
         return refuse(name, __LINE__);
     }
     info.expect_cols(comma_num + 1);
-    text_pieces items(list.as<char>(), ",");
+    text_pieces items(text, ",");
     for (std::string_view item; items.next(item);) {
         if (item.empty()) {
             return refuse(name, 289);

@@ -9,11 +9,11 @@ namespace {
 
 constexpr char function_name[] = "analyze_sql";
 
-std::uint32_t set_checked_table(const std::string &table, qry_lib_analyze_info &info) {
+std::uint32_t set_checked_table(std::string_view table, qry_lib_analyze_info &info) {
     if (table.size() > QRY_LIB_TABLE_NAME_MAX) {
         return refuse(function_name, __LINE__);
     }
-    info.set_table(table.c_str());
+    info.set_table(std::string(table).c_str());
     return 0;
 }
 
@@ -32,7 +32,7 @@ std::uint32_t qry_lib_sql_parser::analyze_sql(const char *db_name, const char *s
 
 std::uint32_t qry_lib_sql_parser::analyze_statement(const char *db_name, const char *text,
                                                     qry_lib_analyze_info &info) const {
-    std::vector<std::string> parts;
+    text_halves parts;
     const found index = find_two_keyword(text, " CREATE ", " INDEX ", parts).outcome;
     if (index == found::no_memory) {
         // The text may be one without effect; what it holds besides must not be carried out.
@@ -63,27 +63,22 @@ std::uint32_t qry_lib_sql_parser::analyze_statement(const char *db_name, const c
     return drop == found::yes ? analyze_drop(parts, info) : analyze_delete(text, info);
 }
 
-// `parts` holds the text before DROP and the text after TABLE.
-std::uint32_t qry_lib_sql_parser::analyze_drop(std::vector<std::string> &parts,
-                                               qry_lib_analyze_info &info) const {
-    std::string &before = parts[0];
-    std::string &table = parts[1];
-    if (trim_space_front_rear(trim_both, before) != 0 || !before.empty()) {
+// `parts` are the text before DROP and the text after TABLE.
+std::uint32_t qry_lib_sql_parser::analyze_drop(text_halves parts, qry_lib_analyze_info &info) const {
+    if (trim_space_front_rear(trim_both, parts.before) != 0 || !parts.before.empty()) {
         return refuse(function_name, 493);
     }
-    unsigned int where_num = 0;
-    get_keyword_num(table.c_str(), " WHERE ", where_num);
-    if (where_num > 0) {
+    if (keyword_num(parts.after, " WHERE ") > 0) {
         return refuse_showing_0(function_name, 503);
     }
-    if (!trimmed(table)) {
+    if (!trimmed(parts.after)) {
         return refuse(function_name, 510);
     }
-    return set_checked_table(table, info);
+    return set_checked_table(parts.after, info);
 }
 
-std::uint32_t qry_lib_sql_parser::analyze_delete(const char *text, qry_lib_analyze_info &info) const {
-    std::vector<std::string> parts;
+std::uint32_t qry_lib_sql_parser::analyze_delete(std::string_view text, qry_lib_analyze_info &info) const {
+    text_halves parts;
     const found from = find_two_keyword(text, " DELETE ", " FROM ", parts).outcome;
     if (from == found::repeated) {
         return refuse(function_name, 528);
@@ -91,24 +86,22 @@ std::uint32_t qry_lib_sql_parser::analyze_delete(const char *text, qry_lib_analy
     if (from != found::yes) {
         return refuse(function_name, 533);
     }
-    std::string &before = parts[0];
-    std::string &table = parts[1];
-    if (trim_space_front_rear(trim_both, before) != 0 || !before.empty()) {
+    if (trim_space_front_rear(trim_both, parts.before) != 0 || !parts.before.empty()) {
         return refuse(function_name, 543);
     }
-    std::vector<std::string> clauses;
-    const found where = find_where(table.c_str(), clauses).outcome;
+    text_halves clauses;
+    const found where = find_where(parts.after, clauses).outcome;
     if (where == found::repeated || where == found::no_memory) {
         return refuse(function_name, 559);
     }
     if (where == found::yes) {
-        const std::uint32_t code = set_checked_table(clauses[1], info);
-        return code != 0 ? code : set_filter_str(clauses[0].c_str(), info);
+        const std::uint32_t code = set_checked_table(clauses.before, info);
+        return code != 0 ? code : set_filter(clauses.after, info);
     }
-    if (!trimmed(table)) {
+    if (!trimmed(parts.after)) {
         return refuse(function_name, 579);
     }
-    return set_checked_table(table, info);
+    return set_checked_table(parts.after, info);
 }
 
 } // namespace norvane

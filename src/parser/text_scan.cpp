@@ -35,6 +35,17 @@ span without_outer_blanks(unsigned char mode, const char *text, std::size_t leng
     return rest;
 }
 
+// Lets a string become what an operation leaves of the view of it.
+template <typename Operation>
+std::uint32_t on_string(std::string &text, Operation operation) {
+    std::string_view view(text);
+    const std::uint32_t code = operation(view);
+    if (view.size() != text.size()) {
+        text = std::string(view);
+    }
+    return code;
+}
+
 } // namespace
 
 std::uint32_t qry_lib_sql_parser::trim_space_front_rear(unsigned char mode, char *text) const {
@@ -53,17 +64,22 @@ std::uint32_t qry_lib_sql_parser::trim_space_front_rear(unsigned char mode, char
     return 0;
 }
 
-std::uint32_t qry_lib_sql_parser::trim_space_front_rear(unsigned char mode, std::string &text) const {
+std::uint32_t qry_lib_sql_parser::trim_space_front_rear(unsigned char mode, std::string_view &text) const {
     pool_block scratch;
-    if (scratch.take_text(text) != 0) {
+    if (scratch.take(std::uint64_t{text.size()} + 1) != 0) {
         return trace_return(__func__, 2403, QRY_LIB_NO_MEMORY);
     }
-    if (text.find(blank) == std::string::npos) {
-        return 0;
-    }
-    const span rest = without_outer_blanks(mode, scratch.as<char>(), text.size());
-    text.assign(scratch.as<char>() + rest.begin, rest.length());
+    const span rest = without_outer_blanks(mode, text.data(), text.size());
+    text = text.substr(rest.begin, rest.length());
     return 0;
+}
+
+std::uint32_t qry_lib_sql_parser::trim_space_front_rear(unsigned char mode, std::string &text) const {
+    return on_string(text, [&](std::string_view &view) { return trim_space_front_rear(mode, view); });
+}
+
+bool qry_lib_sql_parser::trimmed(std::string_view &text) const {
+    return trim_space_front_rear(trim_both, text) == 0 && !text.empty();
 }
 
 bool qry_lib_sql_parser::trimmed(std::string &text) const {
@@ -90,17 +106,19 @@ std::uint32_t qry_lib_sql_parser::check_col_val(const char *text, int &is_number
     return 0;
 }
 
-std::uint32_t qry_lib_sql_parser::get_keyword_num(const char *text, const char *keyword,
-                                                  unsigned int &count) const {
-    count = 0;
-    if (text == nullptr) {
-        return 0;
-    }
+unsigned int qry_lib_sql_parser::keyword_num(std::string_view text, std::string_view keyword) {
+    unsigned int count = 0;
     text_pieces pieces(text, keyword);
     std::string_view piece;
     for (pieces.next(piece); !pieces.at_end(); pieces.next(piece)) {
         ++count;
     }
+    return count;
+}
+
+std::uint32_t qry_lib_sql_parser::get_keyword_num(const char *text, const char *keyword,
+                                                  unsigned int &count) const {
+    count = text == nullptr ? 0 : keyword_num(text, keyword);
     return 0;
 }
 
@@ -125,118 +143,136 @@ std::uint32_t qry_lib_sql_parser::divide_keyword(const char *text, const char *k
     return 0;
 }
 
-bool qry_lib_sql_parser::can_divide(const char *text) const {
+bool qry_lib_sql_parser::can_divide(std::string_view text) const {
     pool_block scratch;
-    if (scratch.take(std::uint64_t{std::strlen(text)} + 1) != 0) {
+    if (scratch.take(std::uint64_t{text.size()} + 1) != 0) {
         trace_return("divide_keyword", 1063, QRY_LIB_NO_MEMORY);
         return false;
     }
     return true;
 }
 
-qry_lib_sql_parser::search_result qry_lib_sql_parser::find_two_keyword(const char *text, const char *first,
-                                                                       const char *second,
-                                                                       std::vector<std::string> &out) const {
-    static constexpr char name[] = "divide_two_keyword";
-    std::vector<std::string> at_first;
-    unsigned int count = 0;
-    if (divide_keyword(text, first, count, at_first) != 0) {
-        return {found::no_memory, QRY_LIB_NOT_ACCEPTED, count};
+qry_lib_sql_parser::search_result
+qry_lib_sql_parser::find_keyword(std::string_view text, std::string_view keyword, text_halves &out) const {
+    if (!can_divide(text)) {
+        return {found::no_memory, QRY_LIB_NOT_ACCEPTED, 0};
     }
-    if (count != 2) {
-        return {count > 2 ? found::repeated : found::absent, QRY_LIB_NOT_ACCEPTED, count};
+    text_pieces split(text, keyword);
+    split.next(out.before);
+    if (split.at_end()) {
+        return {found::absent, QRY_LIB_NOT_ACCEPTED, 0};
+    }
+    split.next(out.after);
+    unsigned int count = 2;
+    for (std::string_view more; split.next(more);) {
+        ++count;
+    }
+    return count == 2 ? search_result{found::yes, 0, count}
+                      : search_result{found::repeated, QRY_LIB_NOT_ACCEPTED, count};
+}
+
+qry_lib_sql_parser::search_result qry_lib_sql_parser::find_two_keyword(std::string_view text,
+                                                                       std::string_view first,
+                                                                       std::string_view second,
+                                                                       text_halves &out) const {
+    static constexpr char name[] = "divide_two_keyword";
+    search_result result = find_keyword(text, first, out);
+    if (result.outcome != found::yes) {
+        return result;
     }
     // A blank in front lets the second keyword, which begins with one, match right behind the first.
     pool_block scratch;
-    if (scratch.take_text(at_first[1], " ") != 0) {
-        return {found::no_memory, trace_return(name, 1145, QRY_LIB_NO_MEMORY), count};
+    if (scratch.take_text(out.after, " ") != 0) {
+        return {found::no_memory, trace_return(name, 1145, QRY_LIB_NO_MEMORY), result.count};
     }
-
-    std::vector<std::string> at_second;
-    const bool no_memory = divide_keyword(scratch.as<char>(), second, count, at_second) != 0;
-    if (no_memory || count != 2) {
-        const std::uint32_t code = refuse(name, 1158);
-        return {no_memory ? found::no_memory : count > 2 ? found::repeated : found::absent, code, count};
+    text_halves at_second;
+    result = find_keyword({scratch.as<char>(), out.after.size() + 1}, second, at_second);
+    if (result.outcome != found::yes) {
+        return {result.outcome, refuse(name, 1158), result.count};
     }
-    std::string &between = at_second[0];
-    const std::uint32_t trim_code = trim_space_front_rear(trim_both, between);
-    if (trim_code != 0 || !between.empty()) {
+    const std::uint32_t trim_code = trim_space_front_rear(trim_both, at_second.before);
+    if (trim_code != 0 || !at_second.before.empty()) {
         const std::uint32_t code = refuse(name, 1170);
-        return {trim_code != 0 ? found::no_memory : found::absent, code, count};
+        return {trim_code != 0 ? found::no_memory : found::absent, code, result.count};
     }
-    out.reserve(out.size() + 2);
-    out.push_back(std::move(at_first[0]));
-    out.push_back(std::move(at_second[1]));
-    return {found::yes, 0, count};
+    out.after.remove_prefix(out.after.size() - at_second.after.size());
+    return result;
 }
 
 std::uint32_t qry_lib_sql_parser::divide_two_keyword(const char *text, const char *first, const char *second,
                                                      unsigned int &count,
                                                      std::vector<std::string> &out) const {
-    const search_result result = find_two_keyword(text, first, second, out);
+    text_halves halves;
+    const search_result result = find_two_keyword(text, first, second, halves);
     count = result.count;
+    if (result.outcome == found::yes) {
+        out.emplace_back(halves.before);
+        out.emplace_back(halves.after);
+    }
     return result.code;
 }
 
-qry_lib_sql_parser::search_result qry_lib_sql_parser::find_where(const char *text,
-                                                                 std::vector<std::string> &out) const {
-    std::vector<std::string> parts;
-    unsigned int count = 0;
-    if (divide_keyword(text, " WHERE ", count, parts) != 0) {
-        return {found::no_memory, QRY_LIB_NOT_ACCEPTED, count};
-    }
-    if (count != 2) {
-        return {count > 2 ? found::repeated : found::absent, QRY_LIB_NOT_ACCEPTED, count};
+qry_lib_sql_parser::search_result qry_lib_sql_parser::find_where(std::string_view text,
+                                                                 text_halves &out) const {
+    const search_result result = find_keyword(text, " WHERE ", out);
+    if (result.outcome != found::yes) {
+        return result;
     }
     // The condition is handed on as written; only a copy of it is trimmed.
     pool_block condition;
-    if (condition.take_text(parts[1]) != 0) {
-        return {found::no_memory, trace_return("divide_where_str", 1465, QRY_LIB_NO_MEMORY), count};
+    if (condition.take_text(out.after) != 0) {
+        return {found::no_memory, trace_return("divide_where_str", 1465, QRY_LIB_NO_MEMORY), result.count};
     }
     if (trim_space_front_rear(trim_both, condition.as<char>()) != 0 ||
-        trim_space_front_rear(trim_both, parts[0]) != 0) {
-        return {found::no_memory, QRY_LIB_NOT_ACCEPTED, count};
+        trim_space_front_rear(trim_both, out.before) != 0) {
+        return {found::no_memory, QRY_LIB_NOT_ACCEPTED, result.count};
     }
-    if (condition.as<char>()[0] == '\0' || parts[0].empty()) {
-        return {found::absent, QRY_LIB_NOT_ACCEPTED, count};
+    if (condition.as<char>()[0] == '\0' || out.before.empty()) {
+        return {found::absent, QRY_LIB_NOT_ACCEPTED, result.count};
     }
-    out.reserve(out.size() + 2);
-    out.push_back(std::move(parts[1]));
-    out.push_back(std::move(parts[0]));
-    return {found::yes, 0, count};
+    return result;
 }
 
 std::uint32_t qry_lib_sql_parser::divide_where_str(const char *text, unsigned int &count,
                                                    std::vector<std::string> &out) const {
-    const search_result result = find_where(text, out);
+    text_halves halves;
+    const search_result result = find_where(text, halves);
     count = result.count;
+    if (result.outcome == found::yes) {
+        out.emplace_back(halves.after);
+        out.emplace_back(halves.before);
+    }
     return result.code;
 }
 
-std::uint32_t qry_lib_sql_parser::trim_single_q_str(std::string &value, int *quoted) const {
+std::uint32_t qry_lib_sql_parser::trim_single_q_str(std::string_view &value, int *quoted) const {
     *quoted = 0;
     if (value.empty() || value.front() != '\'') {
         return 0;
     }
     pool_block scratch;
-    if (scratch.take_text(value) != 0) {
+    if (scratch.take(std::uint64_t{value.size()} + 1) != 0) {
         return trace_return(__func__, 2485, QRY_LIB_NO_MEMORY);
     }
     const std::size_t last = value.rfind('\'');
     if (last == 0) {
         return refuse(__func__, 2512);
     }
-    value.assign(scratch.as<char>() + 1, last - 1);
+    value = value.substr(1, last - 1);
     *quoted = 1;
     return 0;
 }
 
-std::uint32_t qry_lib_sql_parser::trim_bracket_str(std::string &value) const {
-    if (value.find('(') == std::string::npos || value.find(')') == std::string::npos) {
+std::uint32_t qry_lib_sql_parser::trim_single_q_str(std::string &value, int *quoted) const {
+    return on_string(value, [&](std::string_view &view) { return trim_single_q_str(view, quoted); });
+}
+
+std::uint32_t qry_lib_sql_parser::trim_bracket_str(std::string_view &value) const {
+    if (value.find('(') == std::string_view::npos || value.find(')') == std::string_view::npos) {
         return QRY_LIB_NOT_ACCEPTED;
     }
     pool_block scratch;
-    if (scratch.take_text(value) != 0) {
+    if (scratch.take(std::uint64_t{value.size()} + 1) != 0) {
         return trace_return(__func__, 2584, QRY_LIB_NO_MEMORY);
     }
     // Runs of brackets are dropped at both ends; they are not matched against each other. Both runs end
@@ -246,16 +282,24 @@ std::uint32_t qry_lib_sql_parser::trim_bracket_str(std::string &value) const {
     if (last < begin) {
         return QRY_LIB_NOT_ACCEPTED;
     }
-    value.assign(scratch.as<char>() + begin, last + 1 - begin);
+    value = value.substr(begin, last + 1 - begin);
+    return 0;
+}
+
+std::uint32_t qry_lib_sql_parser::trim_bracket_str(std::string &value) const {
+    return on_string(value, [&](std::string_view &view) { return trim_bracket_str(view); });
+}
+
+std::uint32_t qry_lib_sql_parser::trim_percent_str(std::string_view &value) const {
+    if (value.empty() || value.back() != '%') {
+        return QRY_LIB_NOT_ACCEPTED;
+    }
+    value.remove_suffix(1);
     return 0;
 }
 
 std::uint32_t qry_lib_sql_parser::trim_percent_str(std::string &value) const {
-    if (value.empty() || value.back() != '%') {
-        return QRY_LIB_NOT_ACCEPTED;
-    }
-    value.pop_back();
-    return 0;
+    return on_string(value, [&](std::string_view &view) { return trim_percent_str(view); });
 }
 
 int qry_lib_sql_parser::get_is_col_name(unsigned short index, std::string name,

@@ -58,12 +58,12 @@ constexpr value_lines plain_value{1300, 1408, 1416};
 
 // A comparison as it goes into the analyzed query, but for its value.
 struct comparison {
-    const std::string &column;
+    std::string_view column;
     QRY_LIB_OPERATION_TYPE operation;
     QRY_LIB_JOIN_TYPE join;
 };
 
-std::uint32_t add_value(const qry_lib_sql_parser &parser, const comparison &compared, std::string &value,
+std::uint32_t add_value(const qry_lib_sql_parser &parser, const comparison &compared, std::string_view value,
                         const value_lines &lines, qry_lib_analyze_info &info) {
     int quoted = 0;
     if (!parser.trimmed(value)) {
@@ -79,12 +79,12 @@ std::uint32_t add_value(const qry_lib_sql_parser &parser, const comparison &comp
         info.get_filter_cols_num() == UINT16_MAX) {
         return refuse(function_name, __LINE__);
     }
-    info.add_filter_cols(compared.column.c_str(), value.c_str(), compared.operation, compared.join, quoted);
+    info.add_filter(compared.column, value, compared.operation, compared.join, quoted);
     return 0;
 }
 
 // A list is its elements, each a comparison of its own joined by OR.
-std::uint32_t add_list(const qry_lib_sql_parser &parser, const comparison &compared, std::string &list,
+std::uint32_t add_list(const qry_lib_sql_parser &parser, const comparison &compared, std::string_view list,
                        qry_lib_analyze_info &info) {
     if (!parser.trimmed(list)) {
         return refuse(function_name, plain_value.blank);
@@ -92,19 +92,16 @@ std::uint32_t add_list(const qry_lib_sql_parser &parser, const comparison &compa
     if (parser.trim_bracket_str(list) != 0) {
         return refuse(function_name, 1315);
     }
-    if (!parser.can_divide(list.c_str())) {
+    if (!parser.can_divide(list)) {
         return refuse(function_name, 1322);
     }
-    unsigned int comma_num = 0;
-    parser.get_keyword_num(list.c_str(), ",", comma_num);
+    const unsigned int comma_num = qry_lib_sql_parser::keyword_num(list, ",");
     if (comma_num == 0) {
         return add_value(parser, compared, list, lone_element, info);
     }
     info.expect_filter_cols(std::size_t{info.get_filter_cols_num()} + comma_num + 1);
-    text_pieces elements(list.c_str(), ",");
-    std::string element;
-    for (std::string_view piece; elements.next(piece);) {
-        element = piece;
+    text_pieces elements(list, ",");
+    for (std::string_view element; elements.next(element);) {
         if (const std::uint32_t code = add_value(parser, compared, element, list_element, info); code != 0) {
             return code;
         }
@@ -115,28 +112,31 @@ std::uint32_t add_list(const qry_lib_sql_parser &parser, const comparison &compa
 } // namespace
 
 std::uint32_t qry_lib_sql_parser::set_filter_str(const char *where_text, qry_lib_analyze_info &info) const {
-    unsigned int and_num = 0;
-    unsigned int or_num = 0;
-    get_keyword_num(where_text, " AND ", and_num);
-    get_keyword_num(where_text, " OR ", or_num);
+    return set_filter(where_text, info);
+}
+
+std::uint32_t qry_lib_sql_parser::set_filter(std::string_view where, qry_lib_analyze_info &info) const {
+    static constexpr char name[] = "set_filter_str";
+    const unsigned int and_num = keyword_num(where, " AND ");
+    const unsigned int or_num = keyword_num(where, " OR ");
     if (and_num > 0 && or_num > 0) {
-        return refuse_showing_0(__func__, 1527);
+        return refuse_showing_0(name, 1527);
     }
     if (and_num == 0 && or_num == 0) {
-        if (divide_operate(where_text, QRY_LIB_JOIN_TYPE_AND, info) != 0) {
-            return refuse(__func__, 1534);
+        if (add_condition(where, QRY_LIB_JOIN_TYPE_AND, info) != 0) {
+            return refuse(name, 1534);
         }
         return 0;
     }
-    if (!can_divide(where_text)) {
-        return refuse(__func__, 1552);
+    if (!can_divide(where)) {
+        return refuse(name, 1552);
     }
     const QRY_LIB_JOIN_TYPE join = and_num > 0 ? QRY_LIB_JOIN_TYPE_AND : QRY_LIB_JOIN_TYPE_OR;
     info.expect_filter_cols(std::size_t{and_num} + or_num + 1);
-    text_pieces conditions(where_text, and_num > 0 ? " AND " : " OR ");
+    text_pieces conditions(where, and_num > 0 ? " AND " : " OR ");
     for (std::string_view condition; conditions.next(condition);) {
         if (add_condition(condition, join, info) != 0) {
-            return refuse(__func__, 1561);
+            return refuse(name, 1561);
         }
     }
     return 0;
@@ -161,8 +161,9 @@ std::uint32_t qry_lib_sql_parser::add_condition(std::string_view condition, QRY_
     if (place.row == operators) {
         return refuse(function_name, 1257);
     }
-    std::string column(text, place.at);
-    std::string value(place.at + std::strlen(place.row->text), text + condition.size());
+    const char *behind = place.at + std::strlen(place.row->text);
+    std::string_view column(text, static_cast<std::size_t>(place.at - text));
+    const std::string_view value(behind, static_cast<std::size_t>(text + condition.size() - behind));
     if (!trimmed(column)) {
         return refuse(function_name, 1294);
     }
