@@ -44,7 +44,6 @@ int qry_lib_db_executer::open_catalog(const char *db_name) {
 }
 
 int qry_lib_db_executer::exec_internal(const qry_lib_analyze_info &info, qry_lib_db_rowset_ *rowset) {
-    log_out_put_analyze_info(info);
     if (info.get_exec_type() == QRY_LIB_DB_QUERY_TYPE_CREATE) {
         return 0;
     }

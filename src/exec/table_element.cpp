@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 
 #include "util/bounded_text.h"
@@ -53,7 +52,7 @@ column_text::column_text(const QRY_LIB_COLUMN &column) {
         length_ = bounded_length(string_, QRY_LIB_STRING_MAX);
     } else if (const std::uint32_t width = number_width(column.type); width != 0) {
         const auto number = static_cast<std::int32_t>(load_number(&column.value, width));
-        length_ = static_cast<std::size_t>(std::snprintf(number_, sizeof number_, "%d", number));
+        length_ = int32_to_text(number, number_);
     }
 }
 
@@ -130,7 +129,15 @@ void qry_lib_table_element::conv_val_tbdb_to_db2e(const QRY_LIB_ELEMENT_INFO &in
 
 int qry_lib_table_element::conv_val_db2e_to_tbdb(const QRY_LIB_ELEMENT_INFO &info,
                                                  const QRY_LIB_COLUMN &column, char *buffer) {
-    return conv_text_to_tbdb(info, column_text(column).text(), buffer);
+    const std::uint32_t from = number_width(column.type);
+    const std::uint32_t to = number_width(info.elem_type);
+    if (from == 0 || to == 0) {
+        return conv_text_to_tbdb(info, column_text(column).text(), buffer);
+    }
+    // Its text would be that of the signed number, and the same bits again.
+    store_number(info.is_member == 1 ? buffer + info.member_offset : buffer, to,
+                 load_number(&column.value, from));
+    return 0;
 }
 
 int qry_lib_table_element::conv_text_to_tbdb(const QRY_LIB_ELEMENT_INFO &info, const char *text,
