@@ -1,4 +1,4 @@
-"""Turns the benchmark's JSON results into docs/benchmarks.md and its two plots."""
+"""Turns the benchmark's JSON results into docs/benchmarks.md and its plots."""
 import json
 import pathlib
 import platform
@@ -8,8 +8,9 @@ import sys
 ENGINES = ("qrylib", "sqlite_fresh", "sqlite_kept")
 STATEMENTS = ("point_by_key", "point_by_column", "filtered_count", "like_prefix", "in_list", "ordered_two_columns",
               "all_columns", "join", "update_one", "delete_insert", "record_select", "unused_id")
-TITLES = {"qrylib": "qrylib", "sqlite_fresh": "SQLite, fresh text", "sqlite_kept": "SQLite, kept statement"}
-COLOURS = {"qrylib": "#1b6ca8", "sqlite_fresh": "#c8553d", "sqlite_kept": "#8a8a8a"}
+TITLES = {"qrylib": "qrylib", "sqlite_fresh": "SQLite, fresh text", "sqlite_kept": "SQLite, kept statement",
+          "lmdb": "LMDB, raw"}
+COLOURS = {"qrylib": "#1b6ca8", "sqlite_fresh": "#c8553d", "sqlite_kept": "#8a8a8a", "lmdb": "#d9c27a"}
 
 
 def load(folder):
@@ -118,6 +119,49 @@ def size_table(times):
     return "\n".join(rows)
 
 
+def load_processes(path):
+    """Medians of the repetitions by (readers, writers), engine and kind of statement: a dictionary of figures."""
+    runs = {}
+    for line in path.read_text().splitlines():
+        run = json.loads(line)
+        for kind, num in (("reads", run["readers"]), ("writes", run["writers"])):
+            if num > 0:
+                key = (run["readers"], run["writers"]), run["engine"], kind
+                runs.setdefault(key, []).append(run[kind])
+    return {key: {figure: statistics.median(run[figure] for run in repeated) for figure in repeated[0]}
+            for key, repeated in runs.items()}
+
+
+def process_table(figures):
+    rows = ["| readers + writers | engine | statements | a second | qrylib's, times as many | median | 99.9th percentile "
+            "| longest |", "|---|---|---|---:|---:|---:|---:|---:|"]
+    for (mix, engine, kind), run in sorted(figures.items(), key=lambda item: (item[0][0], item[0][2])):
+        ratio = figures[mix, "qrylib", kind]["per_second"] / run["per_second"]
+        rows.append(f"| {mix[0]} + {mix[1]} | {TITLES[engine]} | {kind} | {run['per_second']:,.0f} | {ratio:.2f} "
+                    f"| {run['median'] / 1000:.1f} | {run['p999'] / 1000:.1f} | {run['longest'] / 1000:,.0f} |")
+    return "\n".join(rows)
+
+
+def process_plot(figures):
+    """Statements a second, a bar for each engine; LMDB, which reads no statements, only in the table."""
+    left, row, width = 130, 16, 420
+    shown = sorted({(mix, kind) for mix, _, kind in figures})
+    most = max(run["per_second"] for (_, engine, _), run in figures.items() if engine in ENGINES)
+    body, y = [], 10
+    for mix, kind in shown:
+        body.append(f'<text x="{left - 8}" y="{y + 28}" text-anchor="end">{mix[0]} + {mix[1]}, {kind}</text>')
+        for engine in ENGINES:
+            value = figures[mix, engine, kind]["per_second"]
+            length = width * value / most
+            body.append(f'<rect x="{left}" y="{y}" width="{length:.1f}" height="{row - 3}" fill="{COLOURS[engine]}"/>'
+                        f'<text x="{left + length + 5:.1f}" y="{y + 11}">{value:,.0f}</text>')
+            y += row
+        y += 10
+    for i, engine in enumerate(ENGINES):
+        body.append(f'<text x="{left + 160 * i}" y="{y + 12}" fill="{COLOURS[engine]}">{TITLES[engine]}</text>')
+    return svg(left + width + 80, y + 25, body)
+
+
 def main():
     results, docs = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
     times, counters, machine = load(results)
@@ -133,6 +177,9 @@ def main():
     if sizes is not None:
         (docs / "benchmark-sizes.svg").write_text(sizes)
         page = page.replace("@SIZES@", size_table(times))
+    processes = load_processes(results / "processes.jsonl")
+    (docs / "benchmark-processes.svg").write_text(process_plot(processes))
+    page = page.replace("@PROCESSES@", process_table(processes))
     # The section about fleets is scripts/bench_fleet.sh's.
     _, heading, fleets = (docs / "benchmarks.md").read_text().partition("\n## Fleets\n")
     (docs / "benchmarks.md").write_text(page + heading + fleets)
