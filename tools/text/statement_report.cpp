@@ -152,8 +152,10 @@ statement_report look_at(const std::string &db_name, const std::string &sql, kep
         report.refusal = place_of_fault(db_name, sql, report.code, traces);
     } else {
         const kept_traces::pause quiet(traces);
-        report.refusal = find_unknown_name(db_name, sql);
-        report.code = report.refusal ? QRY_LIB_INVALID_ARGUMENT : QRY_LIB_OK;
+        if (find_unknown_name(db_name, sql)) { // then as a run would say it
+            report.code = QRY_LIB_INVALID_ARGUMENT;
+            report.refusal = diagnose(db_name, sql, report.code, {});
+        }
     }
     report.ok = report.code == QRY_LIB_OK;
     return report;

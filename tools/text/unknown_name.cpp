@@ -198,25 +198,47 @@ found check_selected(const std::string &db_name, const std::string &table, const
 }
 
 // A column of a join, which carries its table's name.
-found check_joined_column(const std::string &db_name, const std::vector<std::string> &tables,
-                          const std::string &sql, std::size_t from, const std::string &name) {
+std::optional<advice> fault_of_joined(const std::string &db_name, const std::vector<std::string> &tables,
+                                      const std::string &name) {
     const std::size_t point = name.find('.');
     if (point == std::string::npos) {
-        return point_at_name(sql, from, name,
-                             {"over several tables a column carries its table's name", "write TABLE.COLUMN"});
+        return advice{"over several tables a column carries its table's name", "write TABLE.COLUMN"};
     }
     const std::string table = name.substr(0, point);
     if (std::find(tables.begin(), tables.end(), table) == tables.end()) {
-        return point_at_name(
-            sql, from, name,
-            {fmt::format("FROM does not name the table \"{}\"", printable(table)), near_hint(table, tables)});
+        return advice{fmt::format("FROM does not name the table \"{}\"", printable(table)),
+                      near_hint(table, tables)};
     }
     const std::string column = name.substr(point + 1);
     const std::vector<std::string> names = column_names(db_name, table);
-    if (std::find(names.begin(), names.end(), column) != names.end()) {
+    return std::find(names.begin(), names.end(), column) != names.end()
+               ? std::nullopt
+               : std::optional(unknown_column(table, column, names));
+}
+
+// A selected item may hold blanks, of which its name knows nothing.
+found check_joined_items(const std::string &db_name, const std::string &sql, const query &asked) {
+    const std::vector<text_span> items = items_of(sql, clauses_of(sql).columns);
+    for (std::size_t i = 0; i < std::min(asked.columns.size(), items.size()); ++i) {
+        const auto [place, length] = items[i];
+        if (std::optional<advice> fault = fault_of_joined(db_name, asked.tables, asked.columns[i])) {
+            const std::optional<advice> foreign = advice_for(std::string_view(sql).substr(place, length));
+            const advice &said = foreign ? *foreign : *fault;
+            return finding{place, length, said.sentence, said.hint};
+        }
+    }
+    return std::nullopt;
+}
+
+found check_joined_name(const std::string &db_name, const std::string &sql, const query &asked,
+                        const std::string &name) {
+    std::optional<advice> fault = fault_of_joined(db_name, asked.tables, name);
+    if (!fault) {
         return std::nullopt;
     }
-    return point_at_name(sql, from, name, unknown_column(table, column, names));
+    const text_span condition = clauses_of(sql).condition;
+    const found place = point_at_name(sql, condition.place, name, *fault);
+    return place ? place : found(finding{condition.place, condition.length, fault->sentence, fault->hint});
 }
 
 bool orders(QRY_LIB_OPERATION_TYPE operation) {
@@ -248,16 +270,13 @@ bool is_link(const query_condition &condition) {
 }
 
 found check_joined(const std::string &db_name, const std::string &sql, const query &asked) {
-    for (const std::string &column : asked.columns) {
-        if (found fault = check_joined_column(db_name, asked.tables, sql, 0, column)) {
-            return fault;
-        }
+    if (found fault = check_joined_items(db_name, sql, asked)) {
+        return fault;
     }
-    const std::size_t where = place_of(sql, " WHERE ");
     for (const query_condition &condition : asked.conditions) {
-        found fault = check_joined_column(db_name, asked.tables, sql, where, condition.column);
+        found fault = check_joined_name(db_name, sql, asked, condition.column);
         if (!fault && is_link(condition)) {
-            fault = check_joined_column(db_name, asked.tables, sql, where, condition.value);
+            fault = check_joined_name(db_name, sql, asked, condition.value);
         }
         if (fault) {
             return fault;

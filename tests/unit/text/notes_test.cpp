@@ -206,7 +206,9 @@ class generator {
     }
 
     std::string statement() {
-        switch (below(6)) {
+        switch (below(7)) {
+        case 6:
+            return join();
         case 0:
             return "DELETE FROM PSN_TBL" + where();
         case 1:
@@ -224,6 +226,14 @@ class generator {
     }
 
   private:
+    std::string join() {
+        static constexpr const char *ends[] = {"", " AND PSN_TBL.PSN_NAME = 'Abe'",
+                                               " AND PSN_TBL.PSN_ID IN ( 1 , 2 )",
+                                               " AND GRP_TBL.GRP_NAME LIKE 'A%' AND PSN_TBL.PSN_ID > 3"};
+        return "SELECT PSN_TBL.PSN_ID , GRP_TBL.GRP_NAME FROM PSN_TBL , GRP_TBL WHERE "
+               "PSN_TBL.PSN_ID = GRP_TBL.GRP_ID" +
+               one_of(ends);
+    }
     std::string number() { return std::to_string(below(60000)); }
     std::string text() {
         static constexpr const char *texts[] = {"'Abe'", "'Sato Kenji'", "'x>y'", "'高橋'", "'O;x'", "''"};
@@ -231,7 +241,9 @@ class generator {
     }
     std::string comparison() {
         static constexpr const char *signs[] = {" = ", " != ", " < ", " >= "};
-        switch (below(5)) {
+        switch (below(6)) {
+        case 5:
+            return "PSN_NAME = Abe";
         case 0:
             return "PSN_NAME = " + text();
         case 1:
@@ -252,7 +264,14 @@ class generator {
         for (std::size_t more = below(3); more > 0; --more) {
             text += join + comparison();
         }
-        return below(4) == 0 ? text + join + "PSN_ID IN ( " + number() + " , " + number() + " )" : text;
+        switch (below(8)) {
+        case 0:
+            return text + join + "PSN_ID IN ( " + number() + " , " + number() + " )";
+        case 1:
+            return text + join + "PSN_NAME INLIKE ( 'Sa%' , 'T%' )";
+        default:
+            return text;
+        }
     }
     std::string order() {
         static constexpr const char *orders[] = {"", " ORDER BY PSN_ID", " ORDER BY PSN_NAME DESC",
@@ -307,7 +326,12 @@ TEST_F(notes, NothingForeignIsDroppedInSilence) {
                                               " order by PSN_ID",
                                               " or 1 = 1",
                                               " , x",
-                                              " %"};
+                                              " %",
+                                              " AS P",
+                                              " 'a' OR 'b'",
+                                              " ) OR ( PSN_ID = 1",
+                                              " UNION SELECT",
+                                              " \u2019"};
     const unsigned seed = chosen_seed();
     SCOPED_TRACE("QRYLIB_TEST_SEED=" + std::to_string(seed));
     generator random(seed);
