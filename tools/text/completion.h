@@ -13,8 +13,8 @@ struct completion {
     std::vector<std::string> candidates; // whole words, in order
 };
 
-// `statement` up to `cursor` is completed by keywords, the database's tables and the columns of the tables
-// that it names; of every table where it names none.
+// `statement` up to `cursor` is completed by what may stand there: keywords, the database's tables, or the
+// columns of the tables that it names; of every table where it names none. Values are not completed.
 completion complete(const std::string &db_name, std::string_view statement, std::size_t cursor);
 
 // What a candidate is: "keyword", "table" or "column".

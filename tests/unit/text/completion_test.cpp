@@ -31,6 +31,33 @@ TEST(completion, typed_in_any_case) {
     EXPECT_EQ(candidates("SELECT psn_kana"), words{"PSN_KANA"});
 }
 
+TEST(completion, only_what_may_stand_there) {
+    EXPECT_EQ(candidates(""), (words{"CREATE", "DELETE", "DROP", "INSERT", "SELECT", "UPDATE"}));
+    EXPECT_EQ(candidates("DELETE "), words{"FROM"});
+    EXPECT_TRUE(holds(candidates("SELECT "), "COUNT(*)"));
+    EXPECT_FALSE(holds(candidates("SELECT "), "PSN_TBL"));
+    EXPECT_EQ(candidates("SELECT PSN_ID "), words{"FROM"});
+    EXPECT_TRUE(holds(candidates("SELECT PSN_ID, "), "PSN_NAME"));
+    EXPECT_TRUE(holds(candidates("SELECT PSN_ID FROM "), "PSN_TBL"));
+    EXPECT_FALSE(holds(candidates("SELECT PSN_ID FROM "), "PSN_NAME"));
+    EXPECT_EQ(candidates("SELECT PSN_ID FROM PSN_TBL "), (words{"ORDER", "WHERE"}));
+    EXPECT_EQ(candidates("DELETE FROM PSN_TBL "), words{"WHERE"}) << "only a SELECT is sorted";
+    EXPECT_TRUE(holds(candidates("DELETE FROM PSN_TBL WHERE "), "PSN_ID"));
+    EXPECT_EQ(candidates("DELETE FROM PSN_TBL WHERE PSN_ID = "), words{});
+    EXPECT_EQ(candidates("DELETE FROM PSN_TBL WHERE PSN_NAME = 'A"), words{});
+    EXPECT_EQ(candidates("DELETE FROM PSN_TBL WHERE PSN_ID = 1 "),
+              (words{"AND", "IN", "INLIKE", "LIKE", "OR"}));
+    EXPECT_EQ(candidates("SELECT PSN_ID FROM PSN_TBL ORDER "), words{"BY"});
+    EXPECT_EQ(candidates("SELECT PSN_ID FROM PSN_TBL ORDER BY PSN_ID "), (words{"ASC", "DESC"}));
+    EXPECT_EQ(candidates("INSERT INTO PSN_TBL "), words{"VALUES"});
+    EXPECT_TRUE(holds(candidates("INSERT INTO PSN_TBL (PSN_ID, "), "PSN_NAME"));
+    EXPECT_FALSE(holds(candidates("INSERT INTO PSN_TBL (PSN_ID, "), "PSN_TBL"));
+    EXPECT_EQ(candidates("INSERT INTO PSN_TBL (PSN_ID) VALUES ("), words{});
+    EXPECT_TRUE(holds(candidates("UPDATE PSN_TBL SET "), "PSN_NAME"));
+    EXPECT_TRUE(holds(candidates("UPDATE PSN_TBL SET PSN_NAME = 'a, FROM', "), "PSN_ID"));
+    EXPECT_EQ(candidates("UPDATE PSN_TBL SET PSN_ID = 1 "), words{"WHERE"});
+}
+
 TEST(completion, columns_are_those_of_the_tables_named) {
     const std::string line = "SELECT  FROM PSN_TBL";
     const words named = complete("adbk_db", line, 7).candidates;
