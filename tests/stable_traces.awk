@@ -14,4 +14,5 @@ match($0, /^ *[A-Za-z_0-9]+\(\):\[(Enter|Return)\]:\([0-9]+\)/) {
         $0 = point substr($0, RLENGTH + 1)
     }
 }
-{ print }
+# Nor the line of a script, which any edit moves too; pages show what is typed.
+{ sub(/^error: stdin:[0-9]+: /, "error: "); print }

@@ -35,19 +35,57 @@ expect 0 $'\\[\n  {"COUNT(\\*)":0}\n]' '' --mode json "$count"
 expect 0 $'COUNT(\\*)\r\n0\r' $'qrysh> .mode csv\nqrysh> SELECT*' --echo '.mode csv' "$count"
 expect 0 '' ''
 
-# Lines come from -c, then from -f, then from the arguments behind them; standard input only without any.
+# Lines come from -c and -f as they stand, then from the arguments behind them; standard input only without any, or as -.
 printf 'SELECT COUNT(*) FROM GRP_TBL\n.mode csv\n' >lines.sql
 expect 0 $'COUNT(\\*)\r\n10\r\nCOUNT(\\*)\n--*\n       0\n(1 row)\nCOUNT(\\*)\r\n10\r' '' --fixture "$fixture" \
     -c '.mode csv' -c "$count" -c '.mode table' -f lines.sql "$count"
+expect 0 $'COUNT(\\*)\r\n10\r\nCOUNT(\\*)\r\n0\r\nCOUNT(\\*)\n-*' '' --fixture "$fixture" \
+    -f <(echo .mode csv) -c "$count" -f lines.sql -c '.mode table' -f <(echo "$count")
 expect 1 '' 'error: missing.sql: *' -f missing.sql
+if [ "$(printf '.mode csv\n%s\n' "$count" | "${qrysh[@]}" -c '.mode json' -f - "$count")" != $'COUNT(*)\r\n0\r\nCOUNT(*)\r\n0\r' ]; then
+    echo "-f - does not read standard input in its turn"
+    failures=$((failures + 1))
+fi
+
+# Errors in files and standard input name the line on which the statement begins; notes and answers do not.
+printf '%s\n\n-- a comment\nSELECT X\nFROM PSN_TBL;\n.nothing\nSELECT PSN_ID FROM\n.tables\n' "$count" >faulty.sql
+expect 1 '*' $'*\nerror: faulty.sql:4: QRY_LIB_*\nerror: faulty.sql:6: there is no command*\nerror: faulty.sql:7: *not run*' \
+    -f faulty.sql
+expect 1 'COUNT*' $'*\nerror: faulty.sql:4: *' -c .read\ faulty.sql --bail
+expect 1 '' $'error: there is no command .x*' -f <(echo "$count" >/dev/null) -c .x
+status=0
+"${qrysh[@]}" <faulty.sql >out 2>err || status=$?
+if [ "$status" -ne 1 ] || [ "$(grep -c '^error: stdin:[467]: ' err)" -ne 3 ]; then
+    echo "errors in standard input do not name their lines"
+    cat err
+    failures=$((failures + 1))
+fi
+
+# Who reads JSON gets errors so too: the companion's object on one line.
+expect 1 '{"ok":false,"kind":"select","code":56069,"name":"QRY_LIB_INVALID_ARGUMENT",*"refusal":{"from":7,"to":8,"text":"PSN_TBL has no column \\"X\\"","hint":""}}' \
+    '' --mode json 'SELECT X FROM PSN_TBL'
+expect 1 $'{"ok":false,"kind":"insert",*"code":56064,*}\n\\[\n  {"COUNT(\\*)":0}\n\\]' '' --mode json 'INSERT INTO PSN_TBL (PSN_ID) VALUES (x)' "$count"
+expect 1 $'{"ok":false,*"hint":"keywords are upper case"*}' '' --strict --mode jsonl 'DELETE FROM PSN_TBL WHERE PSN_ID = 1 and X'
+expect 1 $'{"ok":false,*}' '' --mode json '.explain SELECT X'
+
+# A script may begin with a byte-order mark, and its statements with tabs.
+expect 0 $'COUNT(\\*)\r\n0\r\nCOUNT(\\*)\r\n0\r' '' -f <(printf '\xEF\xBB\xBF.mode csv\n\t%s\n \t SELECT COUNT(*)\n\tFROM PSN_TBL;\n' "$count")
+
+# Several statements may stand on a line, unless its quotes are in doubt.
+expect 0 $'COUNT(\\*)\r\n10\r\nCOUNT(\\*)\r\n9\r' '' --fixture "$fixture" --mode csv \
+    "$count; DELETE FROM PSN_TBL WHERE PSN_NAME = 'Sato Kenji';$count; -- and no more"
+expect 0 $'COUNT(\\*)\r\n0\r' '' --fixture "$fixture" --mode csv "$count WHERE PSN_NAME = 'x; DROP TABLE PSN_TBL'"
+expect 0 $'COUNT(\\*)\r\n0\r\nCOUNT(\\*)\r\n10\r' 'note: *was dropped; a line holds one statement*' --fixture "$fixture" --mode csv \
+    "$count WHERE PSN_NAME = 'Maeve O'Hara'; DROP TABLE PSN_TBL" "$count"
+expect 1 $'COUNT(\\*)\r\n10\r' '*' --bail --fixture "$fixture" --mode csv "$count; SELECT X FROM PSN_TBL; DROP TABLE PSN_TBL"
 
 # An argument may hold several lines; its end ends a statement, and so does a file's. A forgotten ";" is an error.
 expect 0 $'COUNT(\\*)\r\n2\r' '' --fixture "$fixture" --mode csv $'SELECT COUNT(*)\nFROM PSN_TBL\n  WHERE PSN_ID < 3'
 expect 0 $'COUNT(\\*)\r\n10\r\nCOUNT(\\*)\r\n0\r' '' --fixture "$fixture" --mode csv \
     -c $'SELECT COUNT(*)\nFROM PSN_TBL;\n\nDROP TABLE PSN_TBL' -c $'.db adbk_db\n' -f <(printf 'SELECT COUNT(*)\r\nFROM PSN_TBL')
-expect 1 $'COUNT(\\*)\r\n10\r' 'error: not run, since it does not end with ";": DELETE FROM PSN_TBL' --fixture "$fixture" \
+expect 1 $'COUNT(\\*)\r\n10\r' $'  DELETE FROM PSN_TBL\n *^ the statement does not end here: write ; *\nerror: */*:1: *: not run' --fixture "$fixture" \
     --mode csv -f <(printf 'DELETE FROM\nPSN_TBL\nSELECT COUNT(*) FROM PSN_TBL\n')
-expect 1 '' 'error: not run, since it does not end with ";": SELECT' --bail $'SELECT\n.tables'
+expect 1 '' $'*does not end here*\nerror: * not run' --bail $'SELECT\n.tables'
 
 # A change of every record without ";" goes on with a line that begins with WHERE, whatever stands between, and with no
 # other.
@@ -101,11 +139,11 @@ expect 0 '' '1 record deleted' --safe-updates --fixture "$fixture" 'DELETE FROM 
 # Files of lines: one that reads itself ends somewhere, --bail ends all of them, .quit leaves the shell, and what was
 # refused counts.
 echo '.read itself.sql' >itself.sql
-expect 1 '' 'error: itself.sql: files read files 16 deep' '.read itself.sql'
+expect 1 '' 'error: itself.sql:1: itself.sql: files read files 16 deep' '.read itself.sql'
 printf 'DELETE FROM PSN_TBL\nWHERE PSN_ID = 1\n.nothing\n.changes off\n' >script.sql
-expect 1 $'COUNT(\\*)\r\n9\r' $'1 record deleted\nerror: there is no command .nothing*' --sample --mode csv -c '.changes on' \
+expect 1 $'COUNT(\\*)\r\n9\r' $'1 record deleted\nerror: script.sql:3: there is no command .nothing*' --sample --mode csv -c '.changes on' \
     '.read script.sql' "$count"
-expect 1 '' '*error: there is no command .nothing*' --bail --sample --mode csv '.read script.sql' "$count"
+expect 1 '' '*error: script.sql:3: there is no command .nothing*' --bail --sample --mode csv '.read script.sql' "$count"
 echo .quit >script.sql
 expect 0 '' '' '.read script.sql' "$count"
 HOME=$scratch expect 0 '' '' '.read ~/script.sql' "$count"

@@ -48,7 +48,7 @@ printf -- '-- mine\n.mode csv\n.prompt "mine> "\n.nonsense\n' >"$HOME/.qryshrc"
 device=(--sample)
 prompt='^mine>'
 start
-expect '^error: there is no command \.nonsense'
+expect '^error: .*/\.qryshrc:4: there is no command \.nonsense'
 type_line 'SELECT COUNT(*) FROM PSN_TBL'
 expect '^10$'
 keys C-d

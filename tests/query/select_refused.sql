@@ -47,10 +47,10 @@ SELECT PSN_TBL.PSN_ID FROM PSN_TBL
 SELECT count(*) FROM PSN_TBL
 SELECT PSN_ID FROM PSN_TBL ORDER BY NO_COLUMN
 
--- A table of another database, and what stands behind a semicolon.
+-- A table of another database, and what stands behind a semicolon where quotes are in doubt.
 SELECT ID FROM DEPT_TBL
-SELECT PSN_ID FROM PSN_TBL; SELECT PSN_ID FROM PSN_TBL;
-SELECT PSN_ID FROM PSN_TBL; -- a comment
+SELECT X FROM PSN_TBL WHERE PSN_NAME = 'O'Hara'; SELECT PSN_ID FROM PSN_TBL
+SELECT X FROM PSN_TBL WHERE PSN_NAME = 'O'Hara'; -- a comment
 SELECT PSN_ID FROM PSN_TBL WHERE PSN_NAME = 'a; b' AND PSN_IDD = 1
 
 -- Commands without their point.

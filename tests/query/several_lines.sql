@@ -78,6 +78,11 @@ DELETE FROM
 .db adbk_db
 SELECT COUNT(*) FROM PSN_TBL
 
+-- Several statements on a line, and a comment behind them.
+SELECT COUNT(*) FROM PSN_TBL; SELECT COUNT(*) FROM GRP_TBL;SELECT COUNT(*) FROM PSN_TBL WHERE PSN_NAME = 'x; y'; -- done
+	SELECT COUNT(*) FROM PSN_TBL; SELECT COUNT(*)
+	FROM GRP_TBL;
+
 -- The end of the text ends a statement, too.
 SELECT COUNT(*)
 FROM PSN_TBL

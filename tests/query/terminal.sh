@@ -35,7 +35,7 @@ expect '^qrysh> .databases'
 keys C-u
 terminal send-keys -t shell -l '.e'
 keys Tab
-expect '^\.echo  \.exit  \.explain  \.export'
+expect '^\.echo +\.exit +\.explain +\.export'
 
 keys C-u
 # A statement over several lines has a prompt of its own; a column is completed of the table that a line before named.
@@ -91,6 +91,63 @@ expect '^qrysh> \.help \.quit *$'
 keys C-u
 type_line '.quit'
 expect '^left with 0$'
+
+# The history has whole statements, and its file can be read.
+start
+type_line 'SELECT COUNT(*)'
+type_line '  FROM PSN_TBL'
+type_line ';'
+expect '^│       10 │$'
+keys C-d
+expect '^left with 0$'
+grep -qx 'SELECT COUNT(\*) FROM PSN_TBL ;' "$scratch/history"
+start
+keys Up
+expect '^qrysh> SELECT COUNT\(\*\) FROM PSN_TBL ; *$'
+keys Enter
+expect '^│       10 │$'
+
+# A file of an earlier version is read, and written anew.
+printf '_HiStOrY_V2_\n.help\\040.tables\n' >"$scratch/earlier"
+start QRYSH_HISTORY="$scratch/earlier"
+keys Up
+expect '^qrysh> \.help \.tables *$'
+grep -qx '.help .tables' "$scratch/earlier"
+
+# Completion knows the words of commands, and what may stand where.
+start
+terminal send-keys -t shell -l '.timer o'
+keys Tab
+expect '^off  on$'
+keys C-u
+terminal send-keys -t shell -l ".read $root/examples/dem"
+keys Tab
+expect "^qrysh> \.read .*/examples/demo\.sql *$"
+keys C-u
+terminal send-keys -t shell -l 'SELECT PSN_ID FROM PSN_TBL '
+keys Tab
+expect '^ORDER  WHERE$'
+keys C-u
+
+# What is pasted is text: a tab lists nothing, a DELETE goes on with its WHERE, and a last line can be edited.
+keys C-l
+terminal set-buffer -b pasted $'DELETE FROM PSN_TBL\nWHERE PSN_ID = 2\n\tSELECT COUNT(*)\n\tFROM PSN_TBL;\nSELECT PSN_NAME FROM PSN_TBL WHERE PSN_ID = '
+terminal paste-buffer -p -b pasted -t shell
+expect '^1 record deleted$'
+expect '^│        9 │$'
+expect '^qrysh> SELECT PSN_NAME FROM PSN_TBL WHERE PSN_ID = *$'
+type_line '3'
+expect '^│ Anna Becker │$'
+terminal set-buffer -b pasted 'SELECT COUNT(*) FROM GRP_TBL'
+terminal paste-buffer -p -b pasted -t shell
+keys Enter
+expect '^\(1 row\)$'
+
+# Letters are typed in UTF-8 under any locale.
+start LC_ALL=C
+type_line "SELECT PSN_ID FROM PSN_TBL WHERE PSN_NAME = '鈴木 花子'"
+expect '2 .$'
+expect '^\(1 row\)$'
 
 # A long answer goes through the pager, a short one does not.
 start "PAGER=sed -e 's/^/paged: /' -e 10q"

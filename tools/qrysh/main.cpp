@@ -1,4 +1,6 @@
 // qrysh: a shell over the library and the workstation's simulated device.
+#include <langinfo.h>
+
 #include <clocale>
 #include <cstdio>
 #include <exception>
@@ -24,7 +26,7 @@ using namespace qrytext;
 
 // Lines are typed, and answers can be.
 bool reads_terminal(const options &chosen) {
-    return chosen.commands.empty() && chosen.file.empty() && chosen.statements.empty() && input_is_terminal();
+    return chosen.scripts.empty() && chosen.statements.empty() && input_is_terminal();
 }
 
 void take_switches(session &shell, const options &chosen) {
@@ -101,17 +103,17 @@ completion complete_after(const session &shell, const dispatcher &lines, std::st
 prompt_hooks hooks_of(session &shell, dispatcher &lines) {
     return {
         [&](std::string_view line, std::size_t cursor) { return complete_after(shell, lines, line, cursor); },
-        [&] { return lines.prompt(); }, [&] { return lines.drop_unfinished(); }};
+        [&] { return lines.prompt(); }, [&] { return lines.drop_unfinished(); },
+        [&](std::string_view line) { return lines.whole(line); }};
 }
 
 // In the order in which they are read.
 std::vector<std::unique_ptr<line_source>> open_sources(const options &chosen, prompt_hooks hooks) {
     std::vector<std::unique_ptr<line_source>> sources;
-    for (const std::string &command : chosen.commands) {
-        sources.push_back(open_argument(command));
-    }
-    if (!chosen.file.empty()) {
-        sources.push_back(open_file(chosen.file));
+    for (const script &one : chosen.scripts) {
+        sources.push_back(!one.is_file      ? open_argument(one.text)
+                          : one.text == "-" ? open_input(hooks)
+                                            : open_file(one.text));
     }
     for (const std::string &statement : chosen.statements) {
         sources.push_back(open_argument(statement));
@@ -120,6 +122,15 @@ std::vector<std::unique_ptr<line_source>> open_sources(const options &chosen, pr
         sources.push_back(open_input(std::move(hooks)));
     }
     return sources;
+}
+
+// Texts are UTF-8, and so must be what is typed, whatever the locale says.
+void choose_letters() {
+    const bool is_set = std::setlocale(LC_CTYPE, "") != nullptr;
+    const bool is_utf8 = is_set && std::string_view(nl_langinfo(CODESET)) == "UTF-8";
+    if (!is_utf8 && std::setlocale(LC_CTYPE, "C.UTF-8") == nullptr && input_is_terminal()) {
+        say("note: this machine has no locale with UTF-8; letters beyond ASCII cannot be typed\n");
+    }
 }
 
 int run(int argc, char **argv) {
@@ -153,8 +164,8 @@ int run(int argc, char **argv) {
 } // namespace
 
 int main(int argc, char **argv) {
-    static_cast<void>(std::setlocale(LC_CTYPE, "")); // without the locale, the plain one stays
     try {
+        choose_letters();
         return run(argc, argv);
     } catch (const std::exception &error) {
         static_cast<void>(std::fprintf(stderr, "error: %s\n", error.what()));

@@ -31,6 +31,21 @@ void take_image(options &chosen) {
     }
 }
 
+// Each -c and -f as it stands on the command line.
+std::vector<script> in_order(const CLI::App &app, const CLI::Option *line, const CLI::Option *file) {
+    std::vector<script> scripts;
+    std::size_t lines = 0;
+    std::size_t files = 0;
+    for (const CLI::Option *given : app.parse_order()) {
+        if (given == line) {
+            scripts.push_back({false, line->results().at(lines++)});
+        } else if (given == file) {
+            scripts.push_back({true, file->results().at(files++)});
+        }
+    }
+    return scripts;
+}
+
 // The help without blank lines, so that it fits on a screen.
 class dense_help : public CLI::Formatter {
   public:
@@ -54,10 +69,14 @@ options parse_options(int argc, char **argv) {
     app.formatter(std::make_shared<dense_help>());
     app.set_help_flag("--help,-h", "print this");
     app.add_option("SQL", chosen.statements)->group(""); // the first line tells of it
-    app.add_option("-c", chosen.commands, "run this line; may be repeated")
-        ->option_text("SQL")
-        ->allow_extra_args(false);
-    app.add_option("-f", chosen.file, "run a file's lines")->option_text("FILE");
+    std::vector<std::string> lines;
+    std::vector<std::string> files;
+    const CLI::Option *const line = app.add_option("-c", lines, "run this line; as -f, may be repeated")
+                                        ->option_text("SQL")
+                                        ->allow_extra_args(false);
+    const CLI::Option *const file = app.add_option("-f", files, "run a file's lines; -: standard input")
+                                        ->option_text("FILE")
+                                        ->allow_extra_args(false);
     app.add_option("--image", chosen.image, "open a device image")->option_text("FILE");
     app.add_option("--new", chosen.new_image, "create a device image and open it")->option_text("FILE");
     app.add_flag("--sample", chosen.sample, "open the sample device");
@@ -80,6 +99,7 @@ options parse_options(int argc, char **argv) {
     } catch (const CLI::ParseError &error) {
         chosen.exit_status = app.exit(error) == 0 ? 0 : 1;
     }
+    chosen.scripts = in_order(app, line, file);
     take_image(chosen);
     return chosen;
 }

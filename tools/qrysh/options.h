@@ -6,6 +6,11 @@
 
 namespace qrysh {
 
+struct script {
+    bool is_file; // -f: "-" is standard input
+    std::string text;
+};
+
 struct options {
     std::string image;     // empty: private memory, or what QRYLIB_IMAGE names
     std::string new_image; // not empty: create this one
@@ -13,8 +18,7 @@ struct options {
     std::string fixture;
     std::string db;
     std::string mode;
-    std::vector<std::string> commands; // -c, before the file's lines
-    std::string file;
+    std::vector<script> scripts;         // -c and -f in their order
     std::vector<std::string> statements; // after them
     bool sample = false;
     bool roomy = false;

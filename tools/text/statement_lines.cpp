@@ -85,6 +85,31 @@ bool is_delete_or_update(std::string_view text) {
     return first_word(text) == "DELETE" || first_word(text) == "UPDATE";
 }
 
+bool is_sign_or_gap(char c) {
+    return std::string_view(" \t\r,()=<>;").find(c) != std::string_view::npos;
+}
+
+// Where the quotes of a line open and close, if there is no doubt: one opens behind a blank or a sign alone,
+// and closes before one. Places of ";" outside of them.
+std::optional<std::vector<std::size_t>> semicolons_in(std::string_view line) {
+    std::vector<std::size_t> places;
+    bool is_open = false;
+    for (std::size_t at = 0; at < line.size(); ++at) {
+        if (line[at] == ';' && !is_open) {
+            places.push_back(at);
+        } else if (line[at] == '\'' && is_open && line.substr(at + 1, 1) == "'") {
+            ++at; // one quote of a value
+        } else if (line[at] == '\'') {
+            const std::size_t neighbour = is_open ? at + 1 : at - 1;
+            if (neighbour < line.size() && !is_sign_or_gap(line[neighbour])) {
+                return std::nullopt;
+            }
+            is_open = !is_open;
+        }
+    }
+    return is_open ? std::nullopt : std::optional(std::move(places));
+}
+
 bool ends_with_semicolon(std::string_view text) {
     const std::string_view shown = without_gaps_behind(text);
     return !shown.empty() && shown.back() == ';';
@@ -94,6 +119,24 @@ bool ends_with_semicolon(std::string_view text) {
 
 bool begins_statement(std::string_view text) {
     return is_one_of(verbs, first_word(text));
+}
+
+std::vector<std::string_view> statements_in(std::string_view line) {
+    const std::string_view start = first_word(line);
+    if (start.substr(0, 1) == "." || start.substr(0, 2) == "--") {
+        return {line};
+    }
+    std::vector<std::string_view> pieces;
+    std::size_t begin = 0;
+    for (const std::size_t place : semicolons_in(line).value_or(std::vector<std::size_t>())) {
+        const std::string_view rest = line.substr(place + 1);
+        if (begins_statement(rest) || first_word(rest).substr(0, 2) == "--") {
+            pieces.push_back(line.substr(begin, place + 1 - begin));
+            begin = place + 1;
+        }
+    }
+    pieces.push_back(line.substr(begin));
+    return pieces;
 }
 
 bool begins_condition(std::string_view line) {
@@ -150,6 +193,10 @@ bool statement_lines::add(std::string_view line, bool waits) {
 bool statement_lines::is_held_before(std::string_view line) const {
     const std::string_view word = first_word(line);
     return is_held_ && !word.empty() && word.substr(0, 2) != "--" && !begins_condition(line);
+}
+
+std::vector<std::string_view> statement_lines::pieces_of(std::string_view line) const {
+    return quote_is_open_ ? std::vector{line} : statements_in(line);
 }
 
 std::string statement_lines::take() {

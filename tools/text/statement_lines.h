@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qrytext {
 
@@ -29,6 +30,9 @@ class statement_lines {
     // Whether a statement is held, and `line` does not go on with it: it is to be taken first.
     bool is_held_before(std::string_view line) const;
 
+    // A line's statements, or all of it where it goes on between quotes.
+    std::vector<std::string_view> pieces_of(std::string_view line) const;
+
     // Hands the statement out and starts anew.
     std::string take();
 
@@ -39,6 +43,10 @@ class statement_lines {
     bool quote_is_open_ = false;
     bool is_held_ = false;
 };
+
+// The statements of a line, each with its ";" but perhaps the last: cut behind a ";" that another statement
+// or a comment follows. A line whose quotes are not beyond doubt is not cut.
+std::vector<std::string_view> statements_in(std::string_view line);
 
 // Whether a text begins as a statement does, in capitals.
 bool begins_statement(std::string_view text);

@@ -229,6 +229,10 @@ statement_report check_statement(const std::string &db_name, const std::string &
     }
 }
 
+statement_report refuse_unfinished(const std::string &sql) {
+    return refused(sql, {sql.size(), 0, "the statement does not end here", "write ; behind its last line"});
+}
+
 explained_statement explain_statement(const std::string &db_name, const std::string &sql,
                                       kept_traces &traces) {
     explained_statement answer;

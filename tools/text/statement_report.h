@@ -48,6 +48,9 @@ statement_report run_statement(const std::string &db_name, const std::string &sq
 statement_report check_statement(const std::string &db_name, const std::string &sql, const run_rules &rules,
                                  kept_traces &traces);
 
+// The refusal of a statement whose lines have ended, or another has begun, before it did.
+statement_report refuse_unfinished(const std::string &sql);
+
 struct explained_statement {
     statement_report report; // not ok: why there is no explanation
     explanation found;

@@ -112,4 +112,31 @@ TEST(StatementLines, WhatSaysWhichRecordsDoesNotWait) {
     EXPECT_TRUE(reader.add("DELETE FROM PSN_TBL", false)) << "at a prompt it is asked for";
 }
 
+TEST(statement_lines, several_statements_on_a_line) {
+    using pieces = std::vector<std::string_view>;
+    using qrytext::statements_in;
+    EXPECT_EQ(statements_in("SELECT A FROM T; DROP TABLE T"), (pieces{"SELECT A FROM T;", " DROP TABLE T"}));
+    EXPECT_EQ(statements_in("DROP TABLE T;DROP TABLE U; -- done"),
+              (pieces{"DROP TABLE T;", "DROP TABLE U;", " -- done"}));
+    EXPECT_EQ(statements_in("DELETE FROM T WHERE A = 'x;y'; DROP TABLE T"),
+              (pieces{"DELETE FROM T WHERE A = 'x;y';", " DROP TABLE T"}));
+    EXPECT_EQ(statements_in("INSERT INTO T (A) VALUES ('it''s; x'); DROP TABLE T").size(), 2U);
+    for (const char *const whole :
+         {"SELECT A FROM T;", "SELECT A FROM T; x", "SELECT A FROM T; WHERE A = 1",
+          "SELECT A FROM T; drop table T", "SELECT A FROM T WHERE A = 'x; DROP TABLE T'",
+          "SELECT A FROM T WHERE A = 'x; DROP TABLE T", "SELECT A FROM T WHERE A = 'O'Hara'; DROP TABLE T",
+          "SELECT A FROM T WHERE A = 'it's; DROP TABLE T'",
+          "SELECT A FROM T WHERE A = 'it's; DELETE FROM T WHERE A = 'x'",
+          "SELECT A FROM T WHERE A = O'; DROP TABLE T", ".watch 1 DROP TABLE T; DROP TABLE U",
+          "-- DROP TABLE T; DROP TABLE U", ""}) {
+        EXPECT_EQ(statements_in(whole), pieces{whole});
+    }
+}
+
+TEST(statement_lines, a_line_between_quotes_is_not_cut) {
+    statement_lines reader;
+    EXPECT_FALSE(reader.add("INSERT INTO T (A) VALUES ('x", false));
+    EXPECT_EQ(reader.pieces_of("y; DROP TABLE T").size(), 1U);
+}
+
 } // namespace

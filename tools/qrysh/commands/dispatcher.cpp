@@ -152,6 +152,12 @@ std::string_view without_return(std::string_view line) {
     return line.substr(0, line.size() - (!line.empty() && line.back() == '\r' ? 1 : 0));
 }
 
+// Tabs before a statement are an editor's, and none of its words.
+std::string_view without_tabs_before(std::string_view line) {
+    const std::size_t begin = std::min(line.find_first_not_of(" \t"), line.size());
+    return line.substr(0, begin).find('\t') == std::string_view::npos ? line : line.substr(begin);
+}
+
 } // namespace
 
 outcome answer(session &shell, std::string_view text) {
@@ -181,11 +187,25 @@ const char *dispatcher::prompt() const {
     return (unfinished().empty() ? set.prompt : set.next_prompt).c_str();
 }
 
+std::optional<std::string> dispatcher::whole(std::string_view line) const {
+    qrytext::statement_lines lines = lines_;
+    if (lines.is_cut_off_by(line)) {
+        lines.take();
+    }
+    if (!lines.is_open() && (trim(line).empty() || begins_command(trim(line)))) {
+        return std::string(trim(line));
+    }
+    return lines.add(line, false) ? std::optional(lines.take()) : std::nullopt;
+}
+
 outcome dispatcher::run_all(line_source &lines) {
     for (;;) {
         const std::optional<std::string> line = lines.next();
+        place_ = lines.place();
+        waits_ = lines.goes_on();
         const outcome ended = run_line(line);
         if (ended != outcome::done || !line) {
+            set_error_place("");
             return ended;
         }
     }
@@ -193,17 +213,18 @@ outcome dispatcher::run_all(line_source &lines) {
 
 // Nothing: the end of the lines. A failure is the run's end only where it is to be.
 outcome dispatcher::run_line(const std::optional<std::string> &line) {
-    const auto ends_run = [&](outcome answered) {
-        if (answered == outcome::failed) {
-            shell_.note_failure();
-        }
-        return answered == outcome::quit || (answered == outcome::failed && shell_.options().bail);
-    };
     outcome answered = line ? make_way_for(*line) : run_rest();
     if (line && !ends_run(answered)) {
         answered = run(*line);
     }
     return ends_run(answered) ? answered : outcome::done;
+}
+
+bool dispatcher::ends_run(outcome answered) const {
+    if (answered == outcome::failed) {
+        shell_.note_failure();
+    }
+    return answered == outcome::quit || (answered == outcome::failed && shell_.options().bail);
 }
 
 outcome dispatcher::run(std::string_view line) {
@@ -213,10 +234,26 @@ outcome dispatcher::run(std::string_view line) {
     }
     if (line.find('\0') != std::string_view::npos) {
         lines_.take();
+        set_error_place(place_);
         return session::fail("a line must not hold a zero byte");
     }
+    outcome ended = outcome::done;
+    for (const std::string_view piece : lines_.pieces_of(line)) {
+        const outcome answered = run_piece(piece);
+        if (ends_run(answered)) {
+            return answered;
+        }
+        ended = answered == outcome::failed ? answered : ended;
+    }
+    return ended;
+}
+
+// A statement's place is that of its first line.
+outcome dispatcher::run_piece(std::string_view piece) {
     if (!lines_.is_open()) {
-        const std::string_view text = trim(without_return(line));
+        piece = without_tabs_before(piece);
+        set_error_place(place_);
+        const std::string_view text = trim(without_return(piece));
         if (text.empty() || text.substr(0, 2) == "--") {
             return outcome::done;
         }
@@ -224,17 +261,18 @@ outcome dispatcher::run(std::string_view line) {
             return answer(shell_, text);
         }
     }
-    return lines_.add(line, !shell_.options().asks) ? answer(shell_, lines_.take()) : outcome::done;
+    return lines_.add(piece, waits_) ? answer(shell_, lines_.take()) : outcome::done;
 }
 
 outcome dispatcher::make_way_for(std::string_view line) {
     if (lines_.is_held_before(line)) {
         return run_rest();
     }
-    return lines_.is_cut_off_by(line)
-               ? session::fail(
-                     fmt::format("not run, since it does not end with \";\": {}", printable(lines_.take())))
-               : outcome::done;
+    if (!lines_.is_cut_off_by(line)) {
+        return outcome::done;
+    }
+    const std::string unfinished = lines_.take();
+    return shell_.complain(unfinished, refuse_unfinished(unfinished));
 }
 
 outcome dispatcher::run_rest() {

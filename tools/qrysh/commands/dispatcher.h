@@ -42,14 +42,21 @@ class dispatcher {
     // What a prompt shows before the next line.
     const char *prompt() const;
 
+    // The statement or command that ends with this line; nothing where it goes on.
+    std::optional<std::string> whole(std::string_view line) const;
+
     // Forgets that statement. False when there is none.
     bool drop_unfinished() { return !lines_.take().empty(); }
 
   private:
     outcome run_line(const std::optional<std::string> &line);
+    outcome run_piece(std::string_view piece);
+    bool ends_run(outcome answered) const;
 
     session &shell_;
     qrytext::statement_lines lines_;
+    std::string place_; // of the line that is taken
+    bool waits_ = true; // for a line that is there already
 };
 
 } // namespace qrysh

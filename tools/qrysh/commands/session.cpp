@@ -7,6 +7,7 @@
 #include "tools/qrysh/commands/command_table.h"
 #include "tools/qrysh/printing/output.h"
 #include "tools/text/clauses.h"
+#include "tools/text/json_answers.h"
 #include "tools/text/meter.h"
 #include "tools/text/near_match.h"
 #include "tools/text/report_text.h"
@@ -26,6 +27,10 @@ void print_finding(void * /*context*/, int is_damage, const char *text) {
 
 outcome report_host(int result) {
     return result == 0 ? outcome::done : session::fail(qryhost_error());
+}
+
+bool is_json(output_mode mode) {
+    return mode == output_mode::json || mode == output_mode::jsonl;
 }
 
 } // namespace
@@ -51,7 +56,9 @@ outcome session::run_at_once(const std::string &sql) {
 }
 
 outcome session::tell(const std::string &sql, const statement_report &report) {
-    say(describe_notes(report, error_voice()));
+    if (report.ok || !is_json(settings_.mode)) {
+        say(describe_notes(report, error_voice()));
+    }
     if (!report.ok) {
         complain(sql, report);
     } else if (report.rows) {
@@ -71,7 +78,11 @@ outcome session::complain(const std::string &sql, statement_report report) {
     if (std::optional<finding> &place = report.refusal; place && place->is_unknown) {
         place->hint = near_hint('.' + sql.substr(place->place, place->length), command_names());
     }
-    say(describe_refusal(database_, sql, report, error_voice()));
+    if (is_json(settings_.mode)) { // who reads JSON reads errors so too
+        print(report_answer(report, nullptr, false) + '\n');
+    } else {
+        say(describe_refusal(database_, sql, report, error_voice()));
+    }
     return outcome::failed;
 }
 

@@ -15,6 +15,8 @@
 
 #include <fmt/format.h>
 
+#include "tools/text/text.h"
+
 namespace qrysh {
 
 namespace {
@@ -139,6 +141,26 @@ void set_error_place(std::string place) {
 
 std::size_t terminal_columns() {
     return output_is_terminal() ? terminal_size().ws_col : 0;
+}
+
+std::string in_columns(const std::vector<std::string> &words, std::size_t width) {
+    constexpr std::size_t gap = 2;
+    std::size_t widest = 0;
+    for (const std::string &word : words) {
+        widest = std::max(widest, qrytext::text_width(word) + gap);
+    }
+    const std::size_t columns =
+        std::max<std::size_t>((width + gap - 1) / std::max<std::size_t>(widest, 1), 1);
+    const std::size_t rows = (words.size() + columns - 1) / columns;
+    std::string text;
+    for (std::size_t row = 0; row < rows; ++row) {
+        for (std::size_t i = row; i < words.size(); i += rows) {
+            const bool is_last = i + rows >= words.size();
+            text += words[i] + std::string(is_last ? 0 : widest - qrytext::text_width(words[i]), ' ');
+        }
+        text += '\n';
+    }
+    return text;
 }
 
 bool output_is_terminal() {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/text/report_text.h"
 
@@ -40,6 +41,9 @@ void set_error_place(std::string place);
 
 // How wide the terminal is on which answers are read; 0 where they are not read on one.
 std::size_t terminal_columns();
+
+// Words in columns, one below the other, as many beside each other as that width holds; one where it is 0.
+std::string in_columns(const std::vector<std::string> &words, std::size_t width);
 
 // Whether answers go to a terminal.
 bool output_is_terminal();

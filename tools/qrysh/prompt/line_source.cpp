@@ -9,6 +9,8 @@
 #include <sstream>
 #include <system_error>
 
+#include "tools/text/text.h"
+
 namespace qrysh {
 
 namespace {
@@ -21,6 +23,11 @@ class stream_lines : public line_source {
         std::string line;
         errno = 0;
         if (std::getline(stream_, line)) {
+            ++number_;
+            constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
+            if (number_ == 1 && line.compare(0, byte_order_mark.size(), byte_order_mark) == 0) {
+                line.erase(0, byte_order_mark.size());
+            }
             return line;
         }
         if (stream_.bad()) {
@@ -29,9 +36,12 @@ class stream_lines : public line_source {
         return std::nullopt;
     }
 
+    std::string place() const override { return name_ + ':' + std::to_string(number_); }
+
   private:
     std::istream &stream_;
     std::string name_;
+    std::size_t number_ = 0;
 };
 
 class argument_lines : public line_source {
@@ -47,7 +57,7 @@ class argument_lines : public line_source {
 
 class file_lines : public line_source {
   public:
-    explicit file_lines(const std::string &path) : path_(path), file_(path), lines_(file_, path) {
+    explicit file_lines(const std::string &path) : path_(path), file_(path), lines_(file_, printable(path)) {
         if (!file_) {
             throw std::system_error(errno, std::generic_category(), path);
         }
@@ -61,6 +71,7 @@ class file_lines : public line_source {
             throw std::system_error(error.code(), path_);
         }
     }
+    std::string place() const override { return lines_.place(); }
 
   private:
     std::string path_;
@@ -82,7 +93,7 @@ std::unique_ptr<line_source> open_input(prompt_hooks hooks) {
     if (isatty(STDIN_FILENO) != 0) {
         return open_prompt(std::move(hooks));
     }
-    return std::make_unique<stream_lines>(std::cin, "standard input");
+    return std::make_unique<stream_lines>(std::cin, "stdin");
 }
 
 } // namespace qrysh

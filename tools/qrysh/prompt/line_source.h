@@ -20,6 +20,12 @@ class line_source {
 
     // The next line without its line end, or nothing at the end.
     virtual std::optional<std::string> next() = 0;
+
+    // "FILE:LINE" of that line; empty where it stands before everybody's eyes.
+    virtual std::string place() const { return ""; }
+
+    // Whether further lines are there already: then a statement may wait for the next one.
+    virtual bool goes_on() const { return true; }
 };
 
 // What a prompt asks and tells the shell behind it.
@@ -32,6 +38,9 @@ struct prompt_hooks {
 
     // Forgets the statement that the lines before began. False when there is none.
     std::function<bool()> drop;
+
+    // The statement or command that ends with this line; nothing where it goes on.
+    std::function<std::optional<std::string>(std::string_view line)> whole;
 };
 
 // The lines of one argument.
@@ -44,8 +53,8 @@ std::unique_ptr<line_source> open_file(const std::string &path);
 std::unique_ptr<line_source> open_input(prompt_hooks hooks);
 
 // Lines typed at a prompt. Ctrl-C drops the line and the statement that it belongs to, Ctrl-D that statement
-// or else the prompt; lines are kept for the next run in $QRYSH_HISTORY, or in .qrysh_history in the home
-// folder, where the prompt can edit lines.
+// or else the prompt; where the prompt can edit lines, statements are kept for the next run in
+// $QRYSH_HISTORY, or in .qrysh_history in the home folder.
 std::unique_ptr<line_source> open_prompt(prompt_hooks hooks);
 
 } // namespace qrysh

@@ -32,6 +32,8 @@ class plain_prompt : public line_source {
         }
     }
 
+    bool goes_on() const override { return false; }
+
   private:
     prompt_hooks hooks_;
 };
