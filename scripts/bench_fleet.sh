@@ -5,10 +5,10 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 scripts/install_packages.sh
-cmake --preset release >/dev/null
-cmake --build --preset release --target qrytext
-installed=$PWD/build/release/python/installed
-tests/python/install.sh "$PWD" "$PWD/build/release" "$installed" "" "" ""
+cmake --preset package >/dev/null
+cmake --build --preset package --target qrytext
+installed=$PWD/build/package/python/installed
+tests/python/install.sh "$PWD/build/package" "$installed"
 libraries=$(dirname "$(find "$installed" -name 'libqrytext.so.1')")
 
 scratch=$(mktemp -d)

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The commands that the Markdown pages under the folder $1 show, in blocks of the language sh, behind "$ " and between
 # backquotes: the scripts, files, presets, labels, programs, variables and options that they name exist. What
-# docs/analysis.md shows is run instead, by tests/query/analysis.sh.
+# docs/analysis.md shows is run instead, by tests/analysis/commands.sh.
 # shellcheck disable=SC2016
 set -euo pipefail
 cd "$1"

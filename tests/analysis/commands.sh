@@ -1,16 +1,14 @@
 #!/usr/bin/env bash
 # Runs the shell commands of docs/analysis.md in a folder, and compares what they print with what the page shows.
 #
-# usage: analysis.sh SQLITE PYTHON INSTALLED FOLDER COMMAND... (sqlite3's path, or "none"; python3's; where the package of
-# Python is installed; the shell's full path, behind an emulator where it needs one)
+# usage: commands.sh SQLITE PYTHON INSTALLED FOLDER SHELL (full paths; INSTALLED: the package of Python)
 set -euo pipefail
 sqlite=$1
 python=$2
 installed=$3
 folder=$4
-command=("${@:5}")
+shell=$5
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-[ "$sqlite" != none ] || exit 77
 "$python" -c "import distributed, pandas, matplotlib" || exit 77
 
 rm -rf "$folder"
@@ -20,7 +18,7 @@ ln -s "$root/examples" examples
 
 libraries=$(dirname "$(find "$installed" -name 'libqrytext.so.1')")
 python3() { PYTHONPATH=$installed/lib/python3/dist-packages LD_LIBRARY_PATH=$libraries "$python" "$@"; }
-qrysh() { "${command[@]}" "$@"; }
+qrysh() { "$shell" "$@"; }
 sqlite3() { "$sqlite" "$@"; }
 
 # block LANGUAGE: the lines of the page's blocks of that language.
