@@ -74,7 +74,7 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS
 set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/python/postinst
                                               ${PROJECT_SOURCE_DIR}/cmake/debian/python/prerm)
 set(CPACK_COMPONENT_PYTHON_DESCRIPTION
-    "a device's record stores in Python\nPEP 249, a simulated device, a plugin for pytest, and fleets of devices with Dask.")
+    "record stores of a device in Python\nPEP 249, a simulated device, a plugin for pytest, and fleets with Dask.")
 
 set(CPACK_COMPONENTS_ALL runtime development)
 if(QRYLIB_BUILD_REFERENCE)
