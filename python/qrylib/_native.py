@@ -147,7 +147,8 @@ def _kind(value: object) -> str:
     return "None" if value is None else f"a value of type {type(value).__name__}"
 
 
-def _text_parameter(value: bytes) -> Any:
+def text_parameter(value: bytes) -> Any:
+    """A text as the companion and fixtures take it."""
     try:
         return value.decode("utf-8")
     except UnicodeDecodeError:
@@ -158,9 +159,9 @@ def parameter(value: object, number: int) -> Any:
     """A statement's parameter as the companion takes it."""
     what = f"parameter {number}"
     if isinstance(value, str):
-        return _text_parameter(to_bytes(value, what))
+        return text_parameter(to_bytes(value, what))
     if isinstance(value, (bytes, bytearray, memoryview)):
-        return _text_parameter(to_bytes(to_str(bytes(value)), what))
+        return text_parameter(to_bytes(to_str(bytes(value)), what))
     try:
         whole = value.__index__()  # type: ignore[attr-defined]
     except AttributeError:

@@ -99,8 +99,17 @@ def fixture_text(fixture: Union[PathOrText, Mapping[str, Any], Any]) -> bytes:
     if isinstance(fixture, (str, os.PathLike)):
         return Path(fixture).read_bytes()
     if isinstance(fixture, Mapping):
-        return json.dumps(fixture).encode()
+        return json.dumps(_as_written(fixture)).encode()
     return _native.to_bytes(fixture.text, "the fixture")
+
+
+def _as_written(value: Any) -> Any:
+    """Texts as a fixture has them: those that are not UTF-8 by their bytes."""
+    if isinstance(value, Mapping):
+        return {name: _as_written(member) for name, member in value.items()}
+    if isinstance(value, (list, tuple)):
+        return [_as_written(member) for member in value]
+    return _native.text_parameter(value.encode("utf-8", "surrogateescape")) if isinstance(value, str) else value
 
 
 def load(fixture: Any) -> None:

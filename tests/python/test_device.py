@@ -109,6 +109,14 @@ def test_texts_that_are_not_utf8_survive_a_snapshot(office, people):
     assert people.execute("SELECT PSN_NAME FROM PSN_TBL WHERE PSN_ID = 1").fetchone() == ("\udc83A",)
 
 
+def test_records_of_a_snapshot_make_a_fixture(office, people):
+    people.execute("UPDATE PSN_TBL SET PSN_NAME = ? WHERE PSN_ID = 1", (b"\x83\x41",))
+    records = office.snapshot().records("adbk_db", "PSN_TBL")
+    office.load({"format": 1, "databases": {"adbk_db": {"PSN_TBL": {"records": records}}}})
+    assert office.snapshot().records("adbk_db", "PSN_TBL") == records
+    assert people.execute("SELECT PSN_NAME FROM PSN_TBL WHERE PSN_ID = 1").fetchone() == ("\udc83A",)
+
+
 def test_assertions_show_a_table(office, people):
     before = office.snapshot()
     people.execute("DELETE FROM PSN_TBL WHERE PSN_ID = 3")
