@@ -72,9 +72,12 @@ static int watch_a_query(void) {
     return code != QRY_LIB_OK;
 }
 
+/* Damage of any kind, and what is to be known of the address book. */
 static void print_finding(void *context, int is_damage, const char *text) {
     (void)context;
-    printf("%s: %s\n", is_damage ? "damage" : "known", text);
+    if (is_damage || strncmp(text, "adbk_db.", 8) == 0) {
+        printf("%s: %s\n", is_damage ? "damage" : "known", text);
+    }
 }
 
 static void print_length(void *context, const char *json) {
