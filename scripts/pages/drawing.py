@@ -50,7 +50,8 @@ def number(value):
 
 
 def style():
-    """The colours as classes, once for each kind of page."""
+    """The colours as classes, once for each kind of page. A picture that says that it knows both kinds is given no paper of
+    another colour to lie on."""
 
     def classes(column):
         rules = []
@@ -66,7 +67,7 @@ def style():
     frame = {column: dict((c[0], c[column]) for c in COLOURS)["frame"] for column in (1, 2)}
     soft = {column: dict((c[0], c[column]) for c in COLOURS)["soft"] for column in (1, 2)}
     extra = {c: f".rim{{stroke:{frame[c]}}}.wire{{stroke:{soft[c]}}}" for c in (1, 2)}
-    return (f"text{{font-family:{SANS}}}.mono{{font-family:{MONO}}}.bold{{font-weight:600}}.none{{fill:none}}"
+    return (f":root{{color-scheme:light dark}}text{{font-family:{SANS}}}.mono{{font-family:{MONO}}}.bold{{font-weight:600}}.none{{fill:none}}"
             f"{classes(1)}{extra[1]}"
             f"@media (prefers-color-scheme:dark){{{classes(2)}{extra[2]}}}")
 
