@@ -1,9 +1,11 @@
 // Access to the values, and the one store that the process has open.
 #include "platform/host/element_store.h"
 
+#ifndef __EMSCRIPTEN__
 #include <linux/membarrier.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#endif
 
 #include <algorithm>
 #include <atomic>
@@ -105,13 +107,15 @@ element_store *open_default_store() {
 }
 
 // Makes every thread of the process show what it has written so far. Where the system cannot, a pause does:
-// no processor keeps a write to itself for so long.
+// no processor keeps a write to itself for so long. In a browser there is one thread.
 void show_all_counts() {
+#ifndef __EMSCRIPTEN__
     if (::syscall(SYS_membarrier, MEMBARRIER_CMD_PRIVATE_EXPEDITED, 0, 0) != 0 &&
         (::syscall(SYS_membarrier, MEMBARRIER_CMD_REGISTER_PRIVATE_EXPEDITED, 0, 0) != 0 ||
          ::syscall(SYS_membarrier, MEMBARRIER_CMD_PRIVATE_EXPEDITED, 0, 0) != 0)) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
+#endif
 }
 
 // Calls that begin from now on wait for the lock.

@@ -38,8 +38,7 @@ class mutex_attributes {
     explicit mutex_attributes(bool is_shared) {
         ::pthread_mutexattr_init(&attributes_);
         if (is_shared) {
-            ::pthread_mutexattr_setpshared(&attributes_, PTHREAD_PROCESS_SHARED);
-            ::pthread_mutexattr_setrobust(&attributes_, PTHREAD_MUTEX_ROBUST);
+            share_between_processes();
         }
     }
     mutex_attributes(const mutex_attributes &) = delete;
@@ -49,6 +48,14 @@ class mutex_attributes {
     const pthread_mutexattr_t *get() const { return &attributes_; }
 
   private:
+    // A browser has no other processes.
+    void share_between_processes() {
+#ifndef __EMSCRIPTEN__
+        ::pthread_mutexattr_setpshared(&attributes_, PTHREAD_PROCESS_SHARED);
+        ::pthread_mutexattr_setrobust(&attributes_, PTHREAD_MUTEX_ROBUST);
+#endif
+    }
+
     pthread_mutexattr_t attributes_;
 };
 
