@@ -76,6 +76,12 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian
 set(CPACK_COMPONENT_PYTHON_DESCRIPTION
     "record stores of a device in Python\nPEP 249, a simulated device, a plugin for pytest, and fleets with Dask.")
 
+set(CPACK_DEBIAN_WEB_PACKAGE_NAME qrylib-web)
+set(CPACK_DEBIAN_WEB_PACKAGE_SECTION web)
+set(CPACK_DEBIAN_WEB_PACKAGE_ARCHITECTURE all)
+set(CPACK_COMPONENT_WEB_DESCRIPTION
+    "a device's record stores in the browser\nA folder for any web server, and the same page as one file that opens by itself.")
+
 set(CPACK_COMPONENTS_ALL runtime development)
 if(QRYLIB_BUILD_REFERENCE)
   list(APPEND CPACK_COMPONENTS_ALL documentation)
@@ -85,6 +91,9 @@ if(TARGET qrytext)
 endif()
 if(TARGET qrysh)
   list(APPEND CPACK_COMPONENTS_ALL shell)
+endif()
+if(QRYLIB_BUILD_WEB)
+  set(CPACK_COMPONENTS_ALL web)
 endif()
 
 # Debian's own two documents of each package.

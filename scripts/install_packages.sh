@@ -9,7 +9,7 @@ if [ "${1:-}" = --build ]; then
     packages+=("${@:2}")
 else
     packages+=(libbenchmark-dev sqlite3 tmux mandoc doxygen clang clang-tidy cppcheck libclang-rt-dev
-        valgrind g++-powerpc-linux-gnu qemu-user abigail-tools gcovr python3 python3-jsonschema spin chromium
+        valgrind g++-powerpc-linux-gnu qemu-user abigail-tools gcovr python3 python3-jsonschema spin chromium emscripten
         python3-pytest python3-pytest-xdist python3-pandas python3-dask python3-distributed python3-matplotlib mypy)
     command -v npm >/dev/null || packages+=(nodejs npm) # whatever node there is serves
 fi
