@@ -82,12 +82,22 @@ set(CPACK_DEBIAN_WEB_PACKAGE_ARCHITECTURE all)
 set(CPACK_COMPONENT_WEB_DESCRIPTION
     "a device's record stores in the browser\nA folder for any web server, and the same page as one file that opens by itself.")
 
+set(CPACK_DEBIAN_FIELD_PACKAGE_NAME qrylib-field)
+set(CPACK_DEBIAN_FIELD_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_FIELD_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_FIELD_PACKAGE_DEPENDS "libqrylib1 (>= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_FIELD_DESCRIPTION
+    "snapshots and recordings of a device's record stores\nTakes a device's situation to a workstation and runs it again there.")
+
 set(CPACK_COMPONENTS_ALL runtime development)
 if(QRYLIB_BUILD_REFERENCE)
   list(APPEND CPACK_COMPONENTS_ALL documentation)
 endif()
 if(TARGET qrytext)
   list(APPEND CPACK_COMPONENTS_ALL companion companion_development python)
+endif()
+if(TARGET qrylib-snapshot)
+  list(APPEND CPACK_COMPONENTS_ALL field)
 endif()
 if(TARGET qrysh)
   list(APPEND CPACK_COMPONENTS_ALL shell)

@@ -22,7 +22,7 @@ tools/qrysh/commands        tools/qrysh/ tools/files/ tools/text/ qrytext/ qryli
 tools/qrysh/prompt          tools/qrysh/(prompt|printing)/ tools/text/ qrytext/ qrylib/
 tools/qrysh/transfer        tools/qrysh/transfer/ tools/files/ tools/text/ qrytext/ qrylib/ platform/host/qryhost\.h
 tools/qrysh/printing        tools/qrysh/printing/ tools/text/ qrytext/ qrylib/ platform/host/qryhost\.h
-tools/field                 tools/field/ tools/files/ qrytext/ qrylib/ platform/host/qryhost\.h
+tools/field                 tools/field/ tools/files/ qrylib/ exec/schema/ util/ platform/
 tools/files                 tools/files/
 python                      qrytext/ qrylib/ platform/host/qryhost\.h
 web                         qrytext/ qrylib/ platform/host/qryhost\.h
@@ -34,6 +34,7 @@ tests/c-api                 qrytext/ qrylib/ platform/host/qryhost\.h
 tests/concurrency           concurrency/ unit/ qrylib/ platform/
 tests/device                qrylib/ platform/[a-z_]*\.h
 tests/fault                 fault/ replaced_new\.h unit/ qrylib/ platform/
+tests/field                 field/ tools/field/ tools/files/ qrytext/ qrylib/ exec/schema/ platform/
 tests/limits                limits/ replaced_new\.h link/ parser/ qrylib/ platform/[a-z_]*\.h
 tests/oracle                oracle/ qrylib/ exec/schema/ platform/
 tests/other_schema          unit/ exec/schema/

@@ -20,6 +20,8 @@
 // the members make up the composite's bytes, it stands there whole under its element id, "@7321F000":
 // "hex digits", numeric members in big-endian order on every machine.
 //
+// A member "snapshot" tells where the records come from (tools/field/snapshot.h). Loading does not look at it.
+//
 // Saving leaves out what loading fills in. Loading what was saved gives the same bytes again.
 #pragma once
 

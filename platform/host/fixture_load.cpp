@@ -204,7 +204,7 @@ std::vector<std::uint8_t> fixture_loader::load(const json &file) {
             load_settings(required_object(content, key));
         } else if (key == "databases") {
             load_databases(required_object(content, key));
-        } else if (key != "format") {
+        } else if (key != "format" && key != "snapshot") {
             refuse("the file", "there is no key " + key);
         }
     }

@@ -11,6 +11,7 @@
 
 #include "tools/qrysh/commands/command_completion.h"
 #include "tools/qrysh/commands/device.h"
+#include "tools/qrysh/commands/diff_command.h"
 #include "tools/qrysh/commands/dispatcher.h"
 #include "tools/qrysh/commands/session.h"
 #include "tools/qrysh/options.h"
@@ -133,6 +134,11 @@ void choose_letters() {
     }
 }
 
+int diff(const options &chosen) {
+    const auto usual = output_is_terminal() ? output_mode::box : output_mode::table;
+    return diff_files(chosen.diff[0], chosen.diff[1], mode_named(chosen.mode).value_or(usual));
+}
+
 int run(int argc, char **argv) {
     const options chosen = parse_options(argc, argv);
     if (chosen.exit_status >= 0) {
@@ -143,6 +149,9 @@ int run(int argc, char **argv) {
     }
     if (!chosen.check.empty()) {
         return session::check(chosen.check) == outcome::failed ? 1 : 0;
+    }
+    if (!chosen.diff.empty()) {
+        return diff(chosen);
     }
     session shell;
     if (!set_up(shell, chosen)) {

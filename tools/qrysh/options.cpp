@@ -82,6 +82,9 @@ options parse_options(int argc, char **argv) {
     app.add_flag("--sample", chosen.sample, "open the sample device");
     app.add_flag("--roomy", chosen.roomy, "be a device with room for records in every table");
     app.add_option("--check", chosen.check, "examine a device image and end")->option_text("FILE");
+    app.add_option("--diff", chosen.diff, "compare two JSON files' records and end")
+        ->expected(2)
+        ->option_text("A B");
     app.add_option("--fixture", chosen.fixture, "load records from a JSON file first")->option_text("FILE");
     app.add_option("--db", chosen.db, "database of the statements (adbk_db)")->option_text("NAME");
     app.add_option("--mode", chosen.mode, "form of the answers (box or table)")->option_text("MODE");

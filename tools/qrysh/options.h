@@ -15,6 +15,7 @@ struct options {
     std::string image;     // empty: private memory, or what QRYLIB_IMAGE names
     std::string new_image; // not empty: create this one
     std::string check;     // not empty: examine this image and do nothing else
+    std::vector<std::string> diff; // two fixtures to compare, and nothing else
     std::string fixture;
     std::string db;
     std::string mode;

@@ -4,6 +4,7 @@
 #include <qrylib/types.h>
 
 #include <map>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -94,87 +95,178 @@ json_value change(const json_value &key, const json_value &column, const json_va
     return {{"key", key}, {"column", column}, {"a", a}, {"b", b}};
 }
 
-void compare_records(const keyed_record &a, const keyed_record &b, json_value &changes) {
+// What a snapshot's head says: the tables that it covers and the columns that it masks. Without one, it
+// covers all and masks nothing.
+class snapshot_head {
+  public:
+    explicit snapshot_head(const json_value &snapshot)
+        : is_there_(snapshot.contains("snapshot")), head_(member(snapshot, "snapshot")) {}
+
+    bool covers(const std::string &db_name, const std::string &table) const {
+        return !is_there_ || member(member(head_, "capacities"), db_name).contains(table);
+    }
+    bool covers_settings() const { return !is_there_ || head_.value("settings", json_value(false)) == true; }
+    std::set<std::string> masked() const {
+        std::set<std::string> names;
+        for (const json_value &name : member(head_, "masked")) {
+            names.insert(name.get<std::string>());
+        }
+        return names;
+    }
+
+  private:
+    bool is_there_;
+    const json_value &head_;
+};
+
+class comparison {
+  public:
+    comparison(const json_value &a, const json_value &b)
+        : a_(a), b_(b), a_head_(a), b_head_(b), masked_(a_head_.masked()) {
+        masked_.merge(b_head_.masked());
+        compare_settings();
+        for (const std::string &db_name : database_names()) {
+            for (const std::string &table : table_names(db_name)) {
+                compare_table(db_name, table);
+            }
+        }
+    }
+
+    json_value answer() const {
+        return {
+            {"equal", tables_.empty()}, {"tables", tables_}, {"masked", unknown_}, {"uncovered", uncovered_}};
+    }
+
+  private:
+    void compare_settings();
+    void compare_table(const std::string &db_name, const std::string &table);
+    void compare_records(const table_records &a, const table_records &b);
+    void compare_columns(const keyed_record &a, const keyed_record &b);
+    void compare_masked(const keyed_record &a, const std::string &column, const json_value &value,
+                        const json_value &other);
+    void end_table(const std::string &db_name, const std::string &table);
+
+    const json_value &a_;
+    const json_value &b_;
+    snapshot_head a_head_;
+    snapshot_head b_head_;
+    std::set<std::string> masked_;
+
+    json_value changes_ = json_value::array();   // of one table
+    std::map<std::string, int> unknown_columns_; // of one table: records whose values cannot be compared
+    json_value tables_ = json_value::array();
+    json_value unknown_ = json_value::array();
+    json_value uncovered_ = json_value::array();
+};
+
+// A mask has the length of what it stands for: other lengths tell that the values differ, and nothing else
+// does.
+void comparison::compare_masked(const keyed_record &a, const std::string &column, const json_value &value,
+                                const json_value &other) {
+    const std::string left = text_of(value).value_or("");
+    const std::string right = text_of(other).value_or("");
+    if (left.size() != right.size()) {
+        changes_.push_back(change(a.key, column, value, other));
+        changes_.back()["masked"] = true;
+    } else if (!left.empty()) {
+        ++unknown_columns_[column];
+    }
+}
+
+void comparison::compare_columns(const keyed_record &a, const keyed_record &b) {
     for (const auto &[name, value] : a.columns.items()) {
         const json_value &other = b.columns.contains(name) ? b.columns[name] : json_value(nullptr);
-        if (value != other) {
-            changes.push_back(change(a.key, name, value, other));
+        if (masked_.count(name) != 0) {
+            compare_masked(a, name, value, other);
+        } else if (value != other) {
+            changes_.push_back(change(a.key, name, value, other));
         }
     }
     for (const auto &[name, value] : b.columns.items()) {
         if (!a.columns.contains(name)) {
-            changes.push_back(change(b.key, name, nullptr, value));
+            changes_.push_back(change(b.key, name, nullptr, value));
         }
     }
 }
 
 // A record that only one side has is one change, without a column.
-json_value compare_tables(const table_records &a, const table_records &b) {
-    json_value changes = json_value::array();
+void comparison::compare_records(const table_records &a, const table_records &b) {
     for (const auto &[key, record] : a) {
         const auto other = b.find(key);
         if (other == b.end()) {
-            changes.push_back(change(record.key, nullptr, record.columns, nullptr));
+            changes_.push_back(change(record.key, nullptr, record.columns, nullptr));
         } else {
-            compare_records(record, other->second, changes);
+            compare_columns(record, other->second);
         }
     }
     for (const auto &[key, record] : b) {
         if (a.count(key) == 0) {
-            changes.push_back(change(record.key, nullptr, nullptr, record.columns));
+            changes_.push_back(change(record.key, nullptr, nullptr, record.columns));
         }
     }
-    return changes;
 }
 
-json_value compare_settings(const json_value &a, const json_value &b) {
-    json_value changes = json_value::array();
+void comparison::compare_settings() {
+    if (!a_head_.covers_settings() || !b_head_.covers_settings()) {
+        return;
+    }
     for (const char *const name : {"doublecount_1", "doublecount_2", "doublecount_3"}) {
-        const json_value left = member(a, "settings").value(name, json_value(0));
-        const json_value right = member(b, "settings").value(name, json_value(0));
+        const json_value left = member(a_, "settings").value(name, json_value(0));
+        const json_value right = member(b_, "settings").value(name, json_value(0));
         if (left != right) {
-            changes.push_back(change("settings", name, left, right));
+            changes_.push_back(change("settings", name, left, right));
         }
     }
-    return changes;
+    end_table("", "");
 }
 
-void add_changes(const std::string &db_name, const std::string &table, json_value changes,
-                 json_value &tables) {
-    if (!changes.empty()) {
-        tables.push_back({{"database", db_name}, {"table", table}, {"changes", std::move(changes)}});
+// What only one side covers is not compared: it would look empty on the other.
+void comparison::compare_table(const std::string &db_name, const std::string &table) {
+    const bool is_in_a = a_head_.covers(db_name, table);
+    const bool is_in_b = b_head_.covers(db_name, table);
+    if (is_in_a != is_in_b) {
+        uncovered_.push_back({{"database", db_name}, {"table", table}, {"in", is_in_a ? "a" : "b"}});
     }
+    if (!is_in_a || !is_in_b) {
+        return;
+    }
+    const std::vector<qry_lib_catalog_column_> columns = table_columns(db_name, table);
+    compare_records(read_table(member(member(member(a_, "databases"), db_name), table), columns),
+                    read_table(member(member(member(b_, "databases"), db_name), table), columns));
+    end_table(db_name, table);
 }
 
-json_value compare(const json_value &a, const json_value &b) {
-    json_value tables = json_value::array();
-    add_changes("", "", compare_settings(a, b), tables);
-    for (const std::string &db_name : database_names()) {
-        const json_value &left = member(member(a, "databases"), db_name);
-        const json_value &right = member(member(b, "databases"), db_name);
-        for (const std::string &table : table_names(db_name)) {
-            const std::vector<qry_lib_catalog_column_> columns = table_columns(db_name, table);
-            add_changes(db_name, table,
-                        compare_tables(read_table(member(left, table), columns),
-                                       read_table(member(right, table), columns)),
-                        tables);
-        }
+void comparison::end_table(const std::string &db_name, const std::string &table) {
+    if (!changes_.empty()) {
+        tables_.push_back({{"database", db_name}, {"table", table}, {"changes", std::move(changes_)}});
+        changes_ = json_value::array();
     }
-    return tables;
+    for (const auto &[column, records] : unknown_columns_) {
+        unknown_.push_back(
+            {{"database", db_name}, {"table", table}, {"column", column}, {"records", records}});
+    }
+    unknown_columns_.clear();
+}
+
+json_value no_comparison(const json_value &sentence) {
+    return {{"equal", false},
+            {"tables", json_value::array()},
+            {"masked", json_value::array()},
+            {"uncovered", json_value::array()},
+            {"text", sentence}};
 }
 
 } // namespace
 
 std::string compare_snapshots(const std::string &snapshot_a, const std::string &snapshot_b) {
     try {
-        json_value tables = compare(read_snapshot(snapshot_a, "first"), read_snapshot(snapshot_b, "second"));
-        return one_line({{"equal", tables.empty()}, {"tables", std::move(tables)}});
+        const json_value a = read_snapshot(snapshot_a, "first");
+        const json_value b = read_snapshot(snapshot_b, "second");
+        return one_line(comparison(a, b).answer());
     } catch (const std::runtime_error &error) {
-        return one_line(
-            {{"equal", false}, {"tables", json_value::array()}, {"text", json_text(error.what())}});
+        return one_line(no_comparison(json_text(error.what())));
     } catch (const json_value::exception &) { // a member of another type than fixtures have
-        return one_line(
-            {{"equal", false}, {"tables", json_value::array()}, {"text", "a text is no fixture"}});
+        return one_line(no_comparison("a text is no fixture"));
     }
 }
 

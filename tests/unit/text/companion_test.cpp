@@ -262,6 +262,46 @@ TEST_F(companion, TheSchemaTellsWhichColumnsLieTogether) {
     EXPECT_TRUE(some_share);
 }
 
+// A snapshot of two departments, whose codes may be masked.
+std::string snapshot_of(const std::string &head, const std::string &code1, const std::string &code2) {
+    return R"({"format":1,"snapshot":)" + head +
+           R"(,"databases":{"department_db":{"DEPT_TBL":{"records":[{"ID":1,"DEPT_CODE":")" + code1 +
+           R"("},{"ID":2,"DEPT_CODE":")" + code2 + R"("}]}}}})";
+}
+
+constexpr const char *masked_head =
+    R"({"capacities":{"department_db":{"DEPT_TBL":101}},"masked":["DEPT_CODE"]})";
+constexpr const char *plain_head = R"({"capacities":{"department_db":{"DEPT_TBL":101}}})";
+
+TEST_F(companion, MaskedValuesAreComparedByTheirLength) {
+    const std::string masked = snapshot_of(masked_head, "k3x", "q8");
+    const json unknown =
+        json::parse(qrytext_diff(masked.c_str(), snapshot_of(masked_head, "abc", "de").c_str()));
+    EXPECT_EQ(unknown["equal"], true);
+    EXPECT_EQ(unknown["masked"], json::parse(R"([{"database":"department_db","table":"DEPT_TBL",
+                                                 "column":"DEPT_CODE","records":2}])"));
+    const json longer =
+        json::parse(qrytext_diff(snapshot_of(plain_head, "1010", "").c_str(), masked.c_str()));
+    EXPECT_EQ(longer["equal"], false);
+    ASSERT_EQ(longer["tables"][0]["changes"].size(), 2U);
+    EXPECT_EQ(longer["tables"][0]["changes"][0]["masked"], true);
+    EXPECT_EQ(longer["masked"], json::array());
+    const std::string plain = snapshot_of(plain_head, "k3x", "q8");
+    EXPECT_EQ(json::parse(qrytext_diff(plain.c_str(), plain.c_str()))["masked"], json::array());
+}
+
+TEST_F(companion, WhatOneSnapshotDoesNotCoverIsNotCompared) {
+    const std::string part = snapshot_of(plain_head, "1", "2");
+    const std::string other = R"({"format":1,"snapshot":{"capacities":{"adbk_db":{"PSN_TBL":10}}}})";
+    const json found = json::parse(qrytext_diff(part.c_str(), other.c_str()));
+    EXPECT_EQ(found["equal"], true);
+    EXPECT_EQ(found["uncovered"], json::parse(R"([{"database":"adbk_db","table":"PSN_TBL","in":"b"},
+                                                 {"database":"department_db","table":"DEPT_TBL","in":"a"}])"));
+    EXPECT_EQ(json::parse(qrytext_load(part.c_str(), 0))["ok"], true); // the head is nobody's business
+    EXPECT_EQ(json::parse(qrytext_diff(R"({"format":1,"snapshot":{"masked":[7]}})", part.c_str()))["text"],
+              "a text is no fixture");
+}
+
 TEST_F(companion, ARefusedSnapshotTellsThePlaceAndChangesNothing) {
     const json answer = json::parse(
         qrytext_load(R"({"format":1,"databases":{"adbk_db":{"PSN_TBL":{"records":[{"PSN_ID":"x"}]}}}})", 0));
