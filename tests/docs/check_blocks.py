@@ -1,5 +1,6 @@
 """Every block of code on a page is compiled or run, by this test or by another, or blocks.tsv says why it is not. A block
-without a row there is a failure, and so is a row without a block.
+without a row there is a failure, and so is a row without a block. A row is about a page, or PAGE:LANGUAGE, and the blocks whose
+first line its pattern fits; the first row that fits counts.
 
 usage: check_blocks.py ROOT C_COMPILER C++_COMPILER FLAGS HEADERS LIBRARY... (HEADERS: where the companion's are included
 from; the libraries that callers link, then the folders of programs that pages call by their names)
@@ -18,21 +19,23 @@ WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Werror"]
 
 
 def blocks_of(path):
-    """The fenced blocks of a page; of a header, the first lines that its comment sets off."""
+    """The fenced blocks of a page, with their languages; of a header, the first lines that its comment sets off."""
     lines = path.read_text(encoding="utf-8").split("\n")
     if path.suffix == ".hpp":
         set_off = dropwhile(lambda line: not line.startswith(" *     "), lines)
-        return ["\n".join(line[7:] for line in takewhile(lambda line: line.startswith(" *     "), set_off))]
+        return [("", "\n".join(line[7:] for line in takewhile(lambda line: line.startswith(" *     "), set_off)))]
     blocks = []
     block = None
+    language = ""
     for line in lines:
         if line.lstrip().startswith("```"):
             if block is not None:
-                blocks.append("\n".join(block))
+                blocks.append((language, "\n".join(block)))
+            language = line.strip("` ")
             block = [] if block is None else None
         elif block is not None:
             block.append(line)
-    return [block for block in blocks if block.strip()]
+    return blocks
 
 
 class Checker:
@@ -104,10 +107,11 @@ def main(root, c_compiler, cxx_compiler, flags, headers, *files):
     wrong = []
     count = 0
     for page in pages:
-        for block in blocks_of(root / page):
+        for language, block in blocks_of(root / page):
             count += 1
             first = block.split("\n")[0].strip()
-            found = [i for i, row in enumerate(rows) if row["page"] == page and fnmatchcase(first, row["first line"])]
+            found = [i for i, row in enumerate(rows) if row["page"] in (page, f"{page}:{language}")
+                     and fnmatchcase(first, row["first line"])]
             used.update(found[:1])
             fault = checker.check(block, rows[found[0]]["how"], rows[found[0]]["with"]) if found else \
                 "is not in tests/docs/blocks.tsv, which says how each block is tried"
