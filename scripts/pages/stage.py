@@ -155,7 +155,7 @@ def main(folder):
         (folder / f"{name}.md").write_text(page.text(), encoding="utf-8")
     stage_start(folder, version, known, examples, names.values())
     shutil.copytree(ROOT / "docs/pictures", folder / "pictures")
-    for path in ROOT.glob("docs/*.svg"):
+    for path in [*ROOT.glob("docs/*.svg"), *ROOT.glob("docs/*.png")]:
         shutil.copy(path, folder / "pictures")
     for path in [*copied, *(REFERENCE / name for name in ("Doxyfile", "layout.xml", "style.css", "topics.dox"))]:
         shutil.copy(path, folder)

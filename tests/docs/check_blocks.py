@@ -63,8 +63,8 @@ class Checker:
 
     def is_listed(self, name):
         """Tests of a folder's files have a name for each."""
-        folder, _, file = name.partition(".")
-        return any(self.root.glob(f"tests/{folder}/{file}.*"))
+        parts = name.split(".")
+        return len(parts) > 1 and any(self.root.glob(f"tests/{parts[0]}/{parts[1]}.*"))
 
     @staticmethod
     def fault(call, *arguments):
