@@ -11,7 +11,8 @@ set(QRYLIB_REFERENCE ${PROJECT_BINARY_DIR}/reference)
 file(
   GLOB_RECURSE QRYLIB_REFERENCE_SOURCES CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/docs/* ${PROJECT_SOURCE_DIR}/examples/* ${PROJECT_SOURCE_DIR}/include/qrylib/*
-  ${PROJECT_SOURCE_DIR}/platform/*.h ${PROJECT_SOURCE_DIR}/tools/text/qrytext.h* ${PROJECT_SOURCE_DIR}/scripts/pages/*.py)
+  ${PROJECT_SOURCE_DIR}/platform/*.h ${PROJECT_SOURCE_DIR}/tools/platform_check/*.cpp
+  ${PROJECT_SOURCE_DIR}/tools/text/qrytext.h* ${PROJECT_SOURCE_DIR}/scripts/pages/*.py)
 add_custom_command(
   OUTPUT ${QRYLIB_REFERENCE}/made
   COMMAND ${PROJECT_SOURCE_DIR}/scripts/reference.sh ${QRYLIB_REFERENCE}
