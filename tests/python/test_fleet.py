@@ -273,6 +273,27 @@ def test_texts_that_are_not_utf8_are_counted_in_the_manifest(folder, tmp_path):
     assert json.loads(path.read_text())["NAME"] == "\ufffdA"
 
 
+def test_frames_of_dask_are_written_too(folder, tmp_path):
+    reading = fleet.read(folder(a=departments(1, 2), b=departments(4)), "department_db", "DEPT_TBL", batch=1)
+    known = fleet.write(reading.frame, tmp_path / "rows", scheduler="synchronous")
+    assert (known.given, known.read, known.rows) == (2, 2, 3)
+    assert fleet.missing(reading.batches[0].names(), tmp_path / "rows") == []
+    more = reading.frame[reading.frame["TOTAL_M"] > 1][["device", "ID", "TOTAL_M"]]
+    for _ in range(2):
+        known = fleet.write(more, tmp_path / "more", "csv", scheduler="synchronous")
+    assert (known.given, known.rows, len(known.parts)) == (0, 2, 2)
+    assert list(written(tmp_path / "more", "csv")["TOTAL_M"]) == [2, 4]
+    with pytest.raises(qrylib.ProgrammingError, match="or a Dask dataframe"):
+        fleet.write([1], tmp_path / "other")
+
+
+def test_a_name_that_is_no_folder_is_a_snapshot(folder, tmp_path):
+    root = folder(a=departments(1))
+    assert read_here(str(root / "2026-11-21" / "a.json")).read == 1
+    answer = read_here(str(tmp_path / "nothing.json"))
+    assert answer.given == 1 and answer.bad["reason"].tolist() == ["cannot be read: No such file or directory"]
+
+
 def test_one_writes_at_a_time(folder, tmp_path):
     from qrylib.fleet.writing import _alone
 

@@ -23,9 +23,11 @@ SMALL_BATCH = 50
 
 
 def names_of(files: Union[str, "os.PathLike[str]", Iterable[Union[str, "os.PathLike[str]"]]]) -> list[str]:
-    """The snapshots' names, sorted, each once. A folder stands for the snapshots in it and below."""
+    """The snapshots' names, sorted, each once. A folder stands for the snapshots in it and below, another name for itself."""
     if isinstance(files, (str, os.PathLike)):
         root = os.fspath(files)
+        if not os.path.isdir(root):
+            return [root]
         found = [os.path.join(folder, name) for folder, _, names in os.walk(root) for name in names]
         return sorted(name for name in found if _SNAPSHOT.search(name))
     return sorted({os.fspath(name) for name in files})

@@ -124,7 +124,9 @@ class Reading:
     @property
     def frame(self) -> Any:
         """The rows of all snapshots as a Dask dataframe: device, time, then the table's columns."""
-        return self._collection("rows", {**ORIGIN, **self.task.types})
+        frame = self._collection("rows", {**ORIGIN, **self.task.types})
+        object.__setattr__(frame, "qrylib_reading", self)  # so that write() knows the snapshots; Dask's own looks for columns
+        return frame
 
     @property
     def files(self) -> Any:

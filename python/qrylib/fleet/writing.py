@@ -14,7 +14,7 @@ from typing import Any, Iterator, Union
 import pandas
 
 from qrylib.errors import OperationalError, ProgrammingError
-from qrylib.fleet.paths import names_of
+from qrylib.fleet.paths import Batch, names_of
 from qrylib.fleet.reading import Files, Reading, bad_of, compute_all
 
 #: DuckDB and Spark pass over names that begin so.
@@ -78,22 +78,33 @@ def missing(files: Files, out: Union[str, "os.PathLike[str]"], *, retry_bad: boo
     return [name for name in names_of(files) if name not in names]
 
 
-def write(reading: Reading, out: Union[str, "os.PathLike[str]"], format: str = "jsonl", **options: Any) -> Manifest:
-    """Writes a part for each partition, then the manifest.
+@dataclass(frozen=True)
+class _Plan:
+    """What will be written: a part for each token, of these snapshots."""
+
+    source: dict[str, str]
+    tokens: list[str]
+    names: list[list[str]]
+    parts: Any
+
+
+def write(frame: Any, out: Union[str, "os.PathLike[str]"], format: str = "jsonl", **options: Any) -> Manifest:
+    """Writes a part for each partition of a reading or a Dask dataframe, then the manifest.
 
     A part is written beside its place and renamed; its name follows from its snapshots, so that a part that is written
-    twice is the same file. What an interrupted write left without a manifest is removed first.
+    twice is the same file. What an interrupted write left without a manifest is removed first. Of a frame that was made of
+    a reading's, such as sums, the manifest knows the parts and not the snapshots.
     """
     if format not in FORMATS:
         raise ProgrammingError(f"the formats are {' and '.join(FORMATS)}")
-    if not isinstance(reading, Reading):
-        raise ProgrammingError("write() takes what read() answers: the manifest names the snapshots of each part")
     folder = Path(out)
     folder.mkdir(parents=True, exist_ok=True)
+    reading = frame if isinstance(frame, Reading) else getattr(frame, "qrylib_reading", None)
     with _alone(folder):
-        known = _checked(read_manifest(folder), reading, format)
+        plan = _plan_of_frame(frame, folder, format) if reading is None else _plan_of(reading, folder, format)
+        known = _checked(read_manifest(folder), plan)
         _remove_unknown(folder, known)
-        done = compute_all([_parts(reading, folder, format)], **options)[0]
+        done = compute_all([plan.parts], **options)[0]
         for part in done:
             known.bad = {name: why for name, why in known.bad.items() if name not in part["files"]}
             known.bad.update(part.pop("bad"))
@@ -113,20 +124,49 @@ def _alone(folder: Path) -> Iterator[None]:
         yield
 
 
-def _checked(known: Manifest, reading: Reading, format: str) -> Manifest:
+def _plan_of(reading: Reading, folder: Path, format: str) -> _Plan:
+    from dask.bag import Bag
+    from dask.highlevelgraph import HighLevelGraph
+
     database, table = reading.source
     question = "; ".join(statement for _, statement in reading.task.job.statements)
     source = {"database": database, "table": table, "format": format, "question": question}
-    if known.source and known.source != source:
+    tokens = reading.part_names()
+    read = {(reading._key, i): (reading.task, batch) for i, batch in enumerate(reading.batches)}
+    name = f"{reading._key}-written"
+    where = str(folder.resolve())
+    written = {
+        (name, i): (_write_read, (reading._key, i), where, f"part-{token}.{format}") for i, token in enumerate(tokens)
+    }
+    graph = HighLevelGraph({reading._key: read, name: written}, {reading._key: set(), name: {reading._key}})
+    return _Plan(source, tokens, [batch.names() for batch in reading.batches], Bag(graph, name, len(tokens)))
+
+
+def _plan_of_frame(frame: Any, folder: Path, format: str) -> _Plan:
+    import dask
+    from dask.bag import from_delayed
+
+    if not hasattr(frame, "to_delayed"):
+        raise ProgrammingError("write() takes what read() answers, or a Dask dataframe")
+    source = {"database": "", "table": "", "format": format, "question": str(frame._name)}
+    tokens = [Batch.of([frame._name]).token(str(i)) for i in range(frame.npartitions)]
+    write_part = dask.delayed(_write_part)
+    where = str(folder.resolve())
+    parts = [write_part(part, where, f"part-{token}.{format}") for part, token in zip(frame.to_delayed(), tokens)]
+    return _Plan(source, tokens, [], from_delayed(parts))
+
+
+def _checked(known: Manifest, plan: _Plan) -> Manifest:
+    if known.source and known.source != plan.source:
         raise ProgrammingError(f"the folder holds something else: {known.source}")
-    again = {name for name, batch in zip(reading.part_names(), reading.batches)}
+    again = set(plan.tokens)
     others = Manifest({}, {name: part for name, part in known.parts.items() if _token(name) not in again}, {}).names()
-    doubles = sum(name in others for batch in reading.batches for name in batch.names())
+    doubles = sum(name in others for names in plan.names for name in names)
     if doubles:
         raise ProgrammingError(
             f"{doubles} of the snapshots are in the folder already, in other parts", hint="read missing(files, out)"
         )
-    return Manifest(source, known.parts, known.bad)
+    return Manifest(plan.source, known.parts, known.bad)
 
 
 def _token(name: str) -> str:
@@ -145,38 +185,22 @@ def _remove_partial(folder: Path) -> None:
         path.unlink(missing_ok=True)
 
 
-def _parts(reading: Reading, folder: Path, format: str) -> Any:
-    from dask.bag import Bag
-    from dask.highlevelgraph import HighLevelGraph
-
-    read = {(reading._key, i): (reading.task, batch) for i, batch in enumerate(reading.batches)}
-    name = f"{reading._key}-written"
-    where = str(folder.resolve())
-    parts = {
-        (name, i): (_write_part, (reading._key, i), where, f"part-{token}.{format}")
-        for i, token in enumerate(reading.part_names())
-    }
-    graph = HighLevelGraph({reading._key: read, name: parts}, {reading._key: set(), name: {reading._key}})
-    return Bag(graph, name, len(reading.batches))
-
-
-def _write_part(answer: tuple[pandas.DataFrame, pandas.DataFrame], folder: str, name: str) -> list[dict[str, Any]]:
+def _write_read(answer: tuple[pandas.DataFrame, pandas.DataFrame], folder: str, name: str) -> list[dict[str, Any]]:
     frame, files = answer
+    bad = bad_of(files)
+    [part] = _write_part(frame, folder, name)
+    part["files"] = list(files[files["reason"] == ""]["file"])
+    part["bad"] = dict(zip(bad["file"], bad["reason"]))
+    return [part]
+
+
+def _write_part(frame: pandas.DataFrame, folder: str, name: str) -> list[dict[str, Any]]:
     frame, replaced = _without_surrogates(frame)
     text = frame.to_csv(index=False) if name.endswith(".csv") else _json_lines(frame)
     body = text.encode()
     _write_whole(Path(folder), name, body)
-    bad = bad_of(files)
-    return [
-        {
-            "name": name,
-            "rows": len(frame),
-            "bytes": len(body),
-            "replaced_texts": replaced,
-            "files": list(files[files["reason"] == ""]["file"]),
-            "bad": dict(zip(bad["file"], bad["reason"])),
-        }
-    ]
+    told = {"name": name, "rows": len(frame), "bytes": len(body), "replaced_texts": replaced}
+    return [{**told, "files": [], "bad": {}}]
 
 
 def _json_lines(frame: pandas.DataFrame) -> str:
