@@ -23,12 +23,16 @@ COLUMNS = ["ID", "NAME", "TOTAL_M"]
 MOST = "SELECT device, sum(TOTAL_M) FROM DEPT GROUP BY device ORDER BY sum(TOTAL_M) DESC, device LIMIT 20"
 
 
-@pytest.fixture(scope="module")
-def client():
+def two_workers():
     with distributed.LocalCluster(
         n_workers=2, threads_per_worker=1, processes=True, dashboard_address=None, host="127.0.0.1"
     ) as cluster, distributed.Client(cluster) as connected:
         yield connected
+
+
+#: Two workers for all tests that kill none, and for a test that kills one of them.
+client = pytest.fixture(scope="module", name="client")(two_workers)
+mortal_client = pytest.fixture(name="mortal_client")(two_workers)
 
 
 @pytest.fixture(scope="module")
@@ -100,11 +104,11 @@ def kill_a_worker_when(client, count, least):
     return thread, killed
 
 
-def test_a_worker_killed_while_writing_leaves_neither_doubles_nor_gaps(client, night, tmp_path):
+def test_a_worker_killed_while_writing_leaves_neither_doubles_nor_gaps(mortal_client, night, tmp_path):
     names, engine, bad = night
     out = tmp_path / "out"
     reading = fleet.read(names, "department_db", "DEPT_TBL", columns=COLUMNS, batch=25)
-    thread, killed = kill_a_worker_when(client, lambda: len(list(out.glob("part-*"))), 10)
+    thread, killed = kill_a_worker_when(mortal_client, lambda: len(list(out.glob("part-*"))), 10)
     known = fleet.write(reading, out)
     thread.join()
     assert 10 <= killed[0] < len(reading.batches)
@@ -117,18 +121,17 @@ def test_a_worker_killed_while_writing_leaves_neither_doubles_nor_gaps(client, n
     assert fleet.missing(names, out) == []
 
 
-def test_a_worker_killed_while_reading_changes_no_answer(client, night):
+def test_a_worker_killed_while_reading_changes_no_answer(mortal_client, night):
     names, engine, bad = night
     reading = fleet.read(names, "department_db", "DEPT_TBL", columns=COLUMNS, batch=25)
-    client.wait_for_workers(2, timeout=60)
-    scheduler = client.cluster.scheduler
+    scheduler = mortal_client.cluster.scheduler
 
     def done():
         return sum(state.state == "memory" for state in list(scheduler.tasks.values()))
 
-    thread, killed = kill_a_worker_when(client, done, 10)
-    futures = client.compute([reading.frame, reading.files])
-    frame, files = client.gather(futures)
+    thread, killed = kill_a_worker_when(mortal_client, done, 10)
+    futures = mortal_client.compute([reading.frame, reading.files])
+    frame, files = mortal_client.gather(futures)
     thread.join()
     assert 10 <= killed[0] < 2 * len(reading.batches)
     answer = fleet.Answer(frame, files, reading.given)
@@ -138,7 +141,6 @@ def test_a_worker_killed_while_reading_changes_no_answer(client, night):
 
 def test_a_scheduler_is_known_by_its_address(client, night, tmp_path):
     _, engine, _ = night
-    client.wait_for_workers(2, timeout=60)
     page = tmp_path / "fleet.html"
     folder = str(tmp_path / "few")
     fleet.simulate(100, folder, seed=7)
