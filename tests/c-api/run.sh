@@ -3,6 +3,9 @@
 # CMake finds there, over what pkg-config finds there, and with the library's sources as part of their project. Nobody
 # tells the programs where the libraries lie: they start because the libraries and their callers name the folder.
 #
+# In place of a build folder there may be one that the packages were unpacked into: then nothing is installed, the sources
+# are left alone, and the loader is told where the libraries lie, which a system knows of those that its packages install.
+#
 # usage: run.sh BUILD SOURCES C_COMPILER C++_COMPILER FLAGS TOOLCHAIN_FILE [EMULATOR...]
 set -euo pipefail
 build=$1
@@ -41,18 +44,23 @@ build_callers() {
     quietly cmake --build "$1" -j2
 }
 
-quietly cmake --install "$build" --prefix "$scratch/usr"
+if [ -e "$build/CMakeCache.txt" ]; then
+    quietly cmake --install "$build" --prefix "$scratch/usr"
+else
+    cp -a "$build" "$scratch/usr"
+fi
 PKG_CONFIG_PATH=$(dirname "$(find "$scratch/usr" -name qrylib.pc)")
 export PKG_CONFIG_PATH
 libdir=${PKG_CONFIG_PATH%/pkgconfig}
 where=(-DCMAKE_PREFIX_PATH="$scratch/usr")
 # A cross build looks for packages below its root folders alone.
 [ -z "$toolchain" ] || where=(-Dqrylib_DIR="$libdir/cmake/qrylib")
+[ -e "$build/CMakeCache.txt" ] || export LD_LIBRARY_PATH=$libdir
 build_callers "$scratch/found" "${where[@]}"
 run_callers "$scratch/found"
 
 # An installation is complete in itself: its libraries and its shell find each other without the callers' help.
-for file in "$libdir"/libqrylib.so.1 "$libdir"/libqrytext.so.1 "$scratch"/usr/bin/qrysh; do
+[ ! -e "$build/CMakeCache.txt" ] || for file in "$libdir"/libqrylib.so.1 "$libdir"/libqrytext.so.1 "$scratch"/usr/bin/qrysh; do
     [ ! -e "$file" ] || [[ $(readelf -d "$file") == *'RUNPATH'*'[$ORIGIN'* ]] || { echo "$file names no folder" >&2; exit 1; }
 done
 # The shell finds the sample device where it was installed.
@@ -61,8 +69,10 @@ if [ -e "$scratch/usr/bin/qrysh" ]; then
     [ "$count" = $'COUNT(*)\r\n10\r' ] || { echo "the installed shell has no sample device" >&2; exit 1; }
 fi
 
-build_callers "$scratch/part" -DQRYLIB_SOURCE="$sources"
-run_callers "$scratch/part"
+if [ -e "$build/CMakeCache.txt" ]; then
+    build_callers "$scratch/part" -DQRYLIB_SOURCE="$sources"
+    run_callers "$scratch/part"
+fi
 
 pkg-config --validate qrylib
 mkdir "$scratch/asked"
