@@ -13,7 +13,7 @@ namespace qrysh {
 namespace {
 
 constexpr int history_length = 500;
-constexpr std::size_t longest_file = 2 * history_length; // in lines; then the oldest are left out
+constexpr std::size_t longest_file = std::size_t{2} * history_length; // in lines; then the oldest are left out
 
 // What the editor's own history writes first, and escapes blanks behind it.
 constexpr std::string_view earlier_form = "_HiStOrY_V2_";

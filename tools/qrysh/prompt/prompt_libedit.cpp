@@ -84,10 +84,10 @@ class libedit_prompt : public line_source {
             }
             int length = 0;
             take_interrupt(); // one that came before, while an answer was shown, is not this line's
-            std::fputs(mark_pastes, stdout);
+            static_cast<void>(std::fputs(mark_pastes, stdout));
             const char *const typed = el_gets(editor_.get(), &length);
             const bool interrupted = take_interrupt();
-            std::fputs(mark_no_pastes, stdout);
+            static_cast<void>(std::fputs(mark_no_pastes, stdout));
             if (!interrupted && typed != nullptr && length > 0) {
                 return keep(std::string(typed, static_cast<std::size_t>(length)));
             }
