@@ -247,8 +247,8 @@ bool orders(QRY_LIB_OPERATION_TYPE operation) {
 
 // Texts have no order in a condition, and numbers no beginning.
 found check_operation(const std::string &db_name, const std::string &table, const std::string &sql,
-                      const query_condition &condition) {
-    const auto column = find_column(db_name, table, condition.column);
+                      const query_condition &condition, const std::string &name) {
+    const auto column = find_column(db_name, table, name);
     if (!column) {
         return std::nullopt;
     }
@@ -277,6 +277,10 @@ found check_joined(const std::string &db_name, const std::string &sql, const que
         found fault = check_joined_name(db_name, sql, asked, condition.column);
         if (!fault && is_link(condition)) {
             fault = check_joined_name(db_name, sql, asked, condition.value);
+        } else if (!fault) {
+            const std::size_t point = condition.column.find('.');
+            fault = check_operation(db_name, condition.column.substr(0, point), sql, condition,
+                                    condition.column.substr(point + 1));
         }
         if (fault) {
             return fault;
@@ -302,7 +306,7 @@ found check_single(const std::string &db_name, const std::string &sql, const que
         if (found fault = check_column(db_name, table, sql, where, condition.column)) {
             return fault;
         }
-        if (found fault = check_operation(db_name, table, sql, condition)) {
+        if (found fault = check_operation(db_name, table, sql, condition, condition.column)) {
             return fault;
         }
     }

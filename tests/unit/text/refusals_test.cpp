@@ -84,6 +84,15 @@ const std::vector<refused_statement> refused = {
     {"INSERT INTO PSN_TBL (PSN_ID) VALUES (1), (2)", ",", "expected the end", "write an INSERT for each"},
     {"UPDATE PSN_TBL SET INTEG_ID = 1 LIMIT 1", "LIMIT", "there is no LIMIT", "write a narrower"},
     {"UPDATE PSN_TBL SET INTEG_ID = 1 WHERE PSN_ID = 99", "PSN_ID = 99", "no record matches", "SELECT"},
+    {"SELECT PSN_ID FROM PSN_TBL WHERE PSN_NAME < 'x'", "PSN_NAME", "texts have no order",
+     "write =, != or LIKE"},
+    {"SELECT PSN_TBL.PSN_ID FROM PSN_TBL, GRP_TBL WHERE PSN_TBL.PSN_NAME < 'x' AND PSN_TBL.PSN_ID = "
+     "GRP_TBL.GRP_ID",
+     "PSN_TBL.PSN_NAME", "texts have no order", "write =, != or LIKE"},
+    {"SELECT PSN_TBL.PSN_ID AS X FROM PSN_TBL, GRP_TBL WHERE PSN_TBL.PSN_ID = GRP_TBL.GRP_ID", "AS",
+     "there is no AS", "write the name alone"},
+    {"SELECT PSN_TBL.PSN_ID ( 1 ) FROM PSN_TBL, GRP_TBL WHERE PSN_TBL.PSN_ID = GRP_TBL.GRP_ID",
+     "PSN_TBL.PSN_ID ( 1 )", "PSN_TBL has no column", ""},
     {"SELECT PSN_ID FROM PSN_TBL; DROP TABLE PSN_TBL", ";", "one statement", "a line of its own"},
 };
 
