@@ -15,7 +15,7 @@ export const pictures = join(build, 'pictures');
 mkdirSync(pictures, { recursive: true });
 
 const TYPES = { '.html': 'text/html; charset=utf-8', '.js': 'text/javascript' };
-const PATIENCE = 8_000; // for a machine that has much else to do
+const PATIENCE = 20_000; // for a machine that has much else to do
 
 function serve() {
     const server = createServer((request, response) => {

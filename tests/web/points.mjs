@@ -132,7 +132,10 @@ test('look: a picture of the schema, and a join from it', async (page) => {
     await picture(page, 'schema');
     await page.getByRole('combobox', { name: 'Database', exact: true }).selectOption('department_db');
     await page.getByRole('button', { name: 'Ask for a join by ID', exact: true }).click();
-    assert.match(await page.getByRole('textbox', { name: 'Statement' }).textContent(), /WHERE DEPT_TBL\.ID = EDIT_CNT_TBL\.ID$/);
+    const editor = page.getByRole('textbox', { name: 'Statement' });
+    await editor.filter({ hasText: 'EDIT_CNT_TBL' }).waitFor();
+    assert.match(await editor.textContent(), /WHERE DEPT_TBL\.ID = EDIT_CNT_TBL\.ID$/);
+    await editor.click();
     await page.keyboard.press('Control+Enter');
     await spoken(page, /^2 rows/);
 });
@@ -145,6 +148,7 @@ test('ask: completion, notes while typing, rows, history', async (page) => {
     await page.getByRole('textbox', { name: 'Statement' }).click();
     await page.keyboard.type('SELECT PSN_NAME FROM PSN_T');
     await page.getByRole('option', { name: 'PSN_TBL' }).waitFor();
+    await page.waitForTimeout(250); // a list that has just opened takes no Enter, which may have been meant for the text
     await page.keyboard.press('Enter');
     await page.keyboard.type(' WHERE PSN_ID = 65541');
     const notes = page.getByRole('group', { name: 'Notes' });
