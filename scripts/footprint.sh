@@ -7,7 +7,7 @@ for preset in firmware device; do
     cmake --preset "$preset" >/dev/null
 done
 cmake --build --preset firmware >/dev/null
-cmake --build --preset device --target pool_peaks >/dev/null
+cmake --build --preset device --target pool_peaks qrylib-record qrylib-snapshot >/dev/null
 
 cat <<'END'
 # Footprint
@@ -22,6 +22,22 @@ stack frame above 7000.
 
 END
 tests/check_footprint.sh build/firmware/src/libqrylib.so build/firmware powerpc-linux-gnu-strip
+cat <<'END'
+
+## The field kit
+
+Bytes of the files, stripped, as the preset `device` builds them (`-O1`, with traps for undefined behaviour).
+
+END
+sizes=$(mktemp -d)
+trap 'rm -rf "$sizes"' EXIT
+echo '| program | bytes |'
+echo '|---|--:|'
+for program in build/device/tools/field/{libqrylib-record.so,qrylib-snapshot}; do
+    name=$(basename "$program")
+    powerpc-linux-gnu-strip -o "$sizes/$name" "$program"
+    echo "| \`$name\` | $(stat -c %s "$sizes/$name") |"
+done
 cat <<'END'
 
 ## Memory partition

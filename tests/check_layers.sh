@@ -22,13 +22,13 @@ tools/qrysh/commands        tools/qrysh/ tools/files/ tools/text/ qrytext/ qryli
 tools/qrysh/prompt          tools/qrysh/(prompt|printing)/ tools/text/ qrytext/ qrylib/
 tools/qrysh/transfer        tools/qrysh/transfer/ tools/files/ tools/text/ qrytext/ qrylib/ platform/host/qryhost\.h
 tools/qrysh/printing        tools/qrysh/printing/ tools/text/ qrytext/ qrylib/ platform/host/qryhost\.h
-tools/field                 tools/field/ tools/files/ qrylib/ exec/schema/ util/ platform/
+tools/field                 tools/field/ tools/files/ [a-z_]*\.inc qrylib/ exec/schema/ util/ platform/
 tools/files                 tools/files/
 python                      qrytext/ qrylib/ platform/host/qryhost\.h
 web                         qrytext/ qrylib/ platform/host/qryhost\.h
 examples                    qrytext/ qrylib/ platform/host/qryhost\.h
 bench                       [a-z_]*\.h qrylib/ exec/ platform/
-fuzz                        fuzz/ tools/text/ qrytext/ qrylib/ exec/ parser/ platform/
+fuzz                        fuzz/ tools/field/ tools/text/ qrytext/ qrylib/ exec/ parser/ platform/
 tests                       replaced_new\.h exec/schema/
 tests/c-api                 qrytext/ qrylib/ platform/host/qryhost\.h
 tests/concurrency           concurrency/ unit/ qrylib/ platform/

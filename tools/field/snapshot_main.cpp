@@ -109,11 +109,11 @@ int parse(int argc, char **argv, options &chosen) {
 } // namespace
 
 int main(int argc, char **argv) {
-    options chosen;
-    if (const int status = parse(argc, argv, chosen); status >= 0) {
-        return status;
-    }
     try {
+        options chosen;
+        if (const int status = parse(argc, argv, chosen); status >= 0) {
+            return status;
+        }
         run(chosen);
         return 0;
     } catch (const std::exception &error) {
