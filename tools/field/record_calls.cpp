@@ -19,7 +19,12 @@ namespace {
 FIELD_CALLS(DECLARE_NEXT)
 #undef DECLARE_NEXT
 
-std::uint64_t now() {
+// The clock is read for calls that take long enough to be worth it; all others tell no time of their own.
+std::uint64_t now(call_number function) {
+    if (function <= call_qry_lib_db_stmt_term || function == call_qry_lib_db_rowset_init ||
+        function == call_qry_lib_db_rowset_term) {
+        return 0;
+    }
     timespec time{};
     ::clock_gettime(CLOCK_REALTIME, &time);
     return static_cast<std::uint64_t>(time.tv_sec) * 1000000 +
@@ -75,12 +80,13 @@ class call_scope {
         thread.lists = 0;
         thread.moves = thread.reads = 0;
         thread.moved = nullptr;
+        thread.pairs_size = 0;
         for (open_list &list : thread.open) {
             list.list = nullptr;
         }
         write_large(frame_call, [&](frame_writer &frame) {
             frame.put16(function_);
-            frame.put64(now());
+            frame.put64(now(function_));
             put(frame);
         });
     }
@@ -96,7 +102,7 @@ class call_scope {
         }
         write_large(frame_result, [&](frame_writer &frame) {
             frame.put16(function_);
-            frame.put64(now());
+            frame.put64(now(function_));
             frame.put32(result);
             put(frame);
         });

@@ -89,6 +89,12 @@ std::uint16_t open(const void *list, std::uint32_t category, std::uint32_t eleme
 void note_read(const void *list, std::uint32_t code, const void *value) {
     const open_list *const known = find_list(list);
     const bool has_value = known != nullptr && code == 0 && known->size != 0;
+    constexpr std::uint16_t common_size = 256; // a larger value has a frame of its own, as a secret has
+    if (has_value && thread.moved == list && !known->is_secret && known->size <= common_size) {
+        thread.moved = nullptr;
+        recorder::get().add_pair(known->number, thread.position, value, known->size);
+        return;
+    }
     if (has_value && thread.moved == list) {
         thread.moved = nullptr;
         small_frame<> frame(frame_pair);

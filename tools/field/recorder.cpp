@@ -212,16 +212,44 @@ void recorder::start_in_child() {
     }
 }
 
+// What happened before is written before.
 void recorder::write(frame_writer &frame, frame_kind kind) {
+    if (thread.pairs_size != 0) {
+        write_pairs();
+    }
     if (thread.moved != nullptr && kind != frame_pair) {
-        thread.moved = nullptr;
-        small_frame<64> move(frame_platform);
-        move.put16(service_tbctSTCListTableSetPos);
-        move.put32(0);
-        move.put16(thread.moved_number);
-        move.put16(thread.position);
+        write_move();
     }
     ring_.append(frame.frame(), frame.payload_size(), thread.number, kind, frame.flags());
+}
+
+void recorder::write_pairs() {
+    const std::uint32_t size = thread.pairs_size;
+    thread.pairs_size = 0;
+    ring_.append(thread.pairs, size, thread.number, frame_pair, 0);
+}
+
+void recorder::write_move() {
+    thread.moved = nullptr;
+    small_frame<64> move(frame_platform);
+    move.put16(service_tbctSTCListTableSetPos);
+    move.put32(0);
+    move.put16(thread.moved_number);
+    move.put16(thread.position);
+}
+
+void recorder::add_pair(std::uint16_t list, std::uint16_t position, const void *value, std::uint16_t size) {
+    constexpr std::uint32_t head = 8;
+    constexpr std::uint32_t room = sizeof thread.pairs - frame_size - 4; // four to fill a frame up
+    if (thread.pairs_size + head + size > room) {
+        write_pairs();
+    }
+    std::uint8_t *const place = thread.pairs + frame_size + thread.pairs_size;
+    store16(place, list);
+    store16(place + 2, position);
+    store32(place + 4, size);
+    std::memcpy(place + head, value, size);
+    thread.pairs_size = static_cast<std::uint16_t>(thread.pairs_size + head + size);
 }
 
 void recorder::look_at(std::uint32_t code, std::int32_t line) {

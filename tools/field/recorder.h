@@ -71,6 +71,10 @@ struct thread_state {
     std::uint32_t reads;
     bool is_last; // the recording stops with this call
     open_list open[list_num];
+
+    // A frame of values that lists were moved to and read, as yet unwritten: nothing else happened since.
+    std::uint16_t pairs_size; // bytes behind the room for the frame's head; 0: none
+    alignas(4) std::uint8_t pairs[1200];
 };
 
 extern thread_local thread_state thread;
@@ -88,6 +92,8 @@ class recorder {
     static bool keeps_values;
 
     void write(frame_writer &frame, frame_kind kind);
+    // A value that a list was moved to and read; it is written with those that follow.
+    void add_pair(std::uint16_t list, std::uint16_t position, const void *value, std::uint16_t size);
     void count_dropped() { ring_.count_dropped(); }
     // A code that was traced or returned, or a line that was traced.
     void look_at(std::uint32_t code, std::int32_t line);
@@ -106,6 +112,8 @@ class recorder {
     bool read_environment(const char *text);
     bool read_option(const char *text, std::size_t length);
     void open_file();
+    void write_pairs();
+    void write_move();
 
     ring ring_;
     masking masks_;

@@ -21,8 +21,8 @@ constexpr field_name alloc_fields[] = {{"part", type::number, true}, {"size", ty
 constexpr field_name free_fields[] = {{"part", type::number, true}};
 constexpr field_name create_mutex_fields[] = {
     {"option", type::number, true}, {"count", type::number, true}, {"mutex", type::number, false}};
-constexpr field_name request_fields[] = {{"mutex", type::number, true}, {"timeout", type::number, true}};
-constexpr field_name release_fields[] = {{"mutex", type::number, true}};
+constexpr field_name request_fields[] = {{"mutex", type::number, false}, {"timeout", type::number, true}};
+constexpr field_name release_fields[] = {{"mutex", type::number, false}};
 constexpr field_name get_fields[] = {{"category", type::hexadecimal, true},
                                      {"record", type::number, true},
                                      {"element", type::hexadecimal, true},
@@ -145,6 +145,8 @@ class collector {
     void add_event(open_call &open, frame_kind kind, std::uint8_t flags, payload_reader &payload);
     event platform_event(open_call &open, payload_reader &payload, std::uint8_t flags);
     void take_value(const open_call &open, event &made);
+    void add_pair(const open_call &open, std::uint8_t flags, payload_reader &payload,
+                  std::vector<event> &events);
     static row_values row(payload_reader &payload);
 
     recording &found_;
@@ -278,7 +280,16 @@ void collector::add_event(open_call &open, frame_kind kind, std::uint8_t flags, 
         events.push_back(std::move(made));
         return;
     }
-    // A pair stands for two calls that went well.
+    // A frame is filled up with fewer bytes than a pair has.
+    constexpr std::size_t pair_size_min = 8;
+    while (payload.left() >= pair_size_min) {
+        add_pair(open, flags, payload, events);
+    }
+}
+
+// A pair stands for two calls that went well.
+void collector::add_pair(const open_call &open, std::uint8_t flags, payload_reader &payload,
+                         std::vector<event> &events) {
     const std::uint32_t list = payload.take16();
     const std::uint32_t position = payload.take16();
     event moved;
@@ -326,7 +337,7 @@ void collector::take(const std::uint8_t *frame, std::uint32_t length) {
     case frame_pair:
         add_event(open->second, kind, flags, payload);
         // Whoever was handed the mutex of the handles first found them first.
-        if (call.events.back().call.service == service_pfwOSWRequestMutexSem) {
+        if (!call.events.empty() && call.events.back().call.service == service_pfwOSWRequestMutexSem) {
             call.order = load32(frame + frame_number);
         }
         break;

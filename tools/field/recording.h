@@ -26,7 +26,7 @@ class payload_reader {
     std::optional<std::string> take_text();
 
     bool is_short() const { return is_short_; }
-    bool at_end() const { return bytes_.empty(); }
+    std::size_t left() const { return bytes_.size(); }
 
   private:
     const char *take(std::size_t size);

@@ -56,7 +56,7 @@ enum frame_kind : std::uint8_t {
     frame_row = 3,    // a row of a result: columns
     frame_platform = 4,
     frame_trace = 5,
-    frame_pair = 6, // a list moved and read
+    frame_pair = 6, // lists moved and read, one value behind the other
     frame_count = 7 // list calls that were only counted
 };
 

@@ -41,6 +41,7 @@ class feeder {
 
   private:
     bool is_at_end();
+    void skip_known_mutex(const platform_call &made);
 
     const recorded_call &call_;
     std::size_t next_ = 0;
