@@ -7,7 +7,7 @@ set -euo pipefail
 library=$1
 objects=$2
 strip=$3
-text_limit=$((160 * 1024))
+text_limit=150000
 frame_limit=7000
 
 scratch=$(mktemp -d)
@@ -22,14 +22,17 @@ cat <<END
 END
 
 # A line of these files: file:line:column:function, bytes, kind; what a call adds at run time is not "static".
-find "$objects" -name '*.su' -exec cat {} + | sort -t$'\t' -k2,2nr >"$scratch/frames"
+# With link-time optimisation the frames are those of the link.
+frames='*.su'
+[ -z "$(find "$objects" -name '*.ltrans.su')" ] || frames='*.ltrans.su'
+find "$objects" -name "$frames" -exec cat {} + | sort -t$'\t' -k2,2nr >"$scratch/frames"
 largest=$(head -1 "$scratch/frames" | cut -f2)
 echo "| bytes of stack | function |"
 echo "|---|---|"
 head -5 "$scratch/frames" | awk -F '\t' '{
     name = $1
-    sub(/^([^:]*:){3}/, "", name)
-    sub(/\(.*/, "", name)
+    sub(/^[^:]*:[^:]*:[^:]*:/, "", name)
+    sub(/[(.].*/, "", name)
     sub(/.* /, "", name)
     print "| " $2 " | `" name "` |"
 }'
