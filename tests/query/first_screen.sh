@@ -30,6 +30,13 @@ type_line "INSERT INTO PSN_TBL (PSN_ID, PSN_NAME) VALUES (1, 'Sato')"
 expect '^1 record added$'
 keys C-d
 expect '^left with 0$'
+device=(--roomy)
+start
+expect '^qrysh-roomy [0-9.]+; \.help lists the commands$'
+type_line '.db usrac_db'
+type_line '.tables'
+expect '^│ ACCOUNT_TBL +│ +8 │ +100 │ +0 │$'
+keys C-d
 device=("$scratch/new.img")
 start
 expect '/new\.img: 1 record in use$'

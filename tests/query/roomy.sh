@@ -34,7 +34,7 @@ fi
 # A table without records on the device takes some, and joins.
 email="INSERT INTO EMAIL_TBL (PSN_ID, EMAIL_ADDR) VALUES (2, 'hanako@example.org')"
 join='SELECT PSN_TBL.PSN_NAME, EMAIL_TBL.EMAIL_ADDR FROM PSN_TBL, EMAIL_TBL WHERE PSN_TBL.PSN_ID = EMAIL_TBL.PSN_ID'
-expect 1 'error: *' --sample "$email"
+expect 1 '*this device keeps no EMAIL_TBL records*error: QRY_LIB_NO_FREE_ENTRY*' --sample "$email"
 expect 0 $'1 record added\n*鈴木 花子  hanako@example.org\n(1 row)' --roomy --sample "$email" "$join"
 rows=$(for i in $(seq 1 100); do echo "INSERT INTO EMAIL_TBL (PSN_ID, EMAIL_ADDR) VALUES ($i, 'x')"; done)
 expect 0 $'COUNT(\\*)\r\n100\r' --roomy --mode csv "$rows" 'SELECT COUNT(*) FROM EMAIL_TBL'
@@ -52,4 +52,4 @@ expect 1 $'error: device.img: *another layout: its capacities are the device\'s 
 # Without the program there is a sentence.
 cp "${qrysh[0]}" qrysh
 qrysh=(./qrysh)
-expect 1 'error: qrysh-roomy: No such file or directory; it is built beside the shell, and in no package' --roomy .tables
+expect 1 'error: qrysh-roomy: No such file or directory; a full build makes it beside the shell, no package has it' --roomy .tables

@@ -28,7 +28,7 @@ int become_roomy(char **argv) {
     if (errno == ENOENT) {
         execvp(name, arguments.data());
     }
-    session::fail(fmt::format("{}: {}; it is built beside the shell, and in no package", name,
+    session::fail(fmt::format("{}: {}; a full build makes it beside the shell, no package has it", name,
                               std::generic_category().message(errno)));
     return 1;
 }
