@@ -70,7 +70,7 @@ printf 'PSN_ID\n21\n1\n22\n' >many.csv
 refused many.csv 'error: many.csv:4:1: PSN_TBL has room for 1 new records, the file holds 2*'
 : >empty.csv
 refused empty.csv 'error: empty.csv:1:1: expected a line that names columns*'
-import missing.csv 'error: missing.csv: No such file or directory'
+import missing.csv 'error: missing.csv: cannot be opened: No such file or directory'
 printf 'PSN_ID\n%s' "$(seq 100 130 | sed 's/^/x/')" >faults.csv
 refused faults.csv $'*\nand 11 more*'
 
@@ -137,7 +137,7 @@ if [ "$sqlite" != none ]; then
     # A file of that name is replaced as a whole.
     "${qrysh[@]}" --fixture "$fixture" --db department_db '.dump device.sqlite'
     [ "$(ask device.sqlite 'SELECT count(*) FROM DEPT_TBL; PRAGMA integrity_check')" = $'101\nok' ] || fail 'device.sqlite was not replaced'
-    refuses 'error: unable to open database file' '.dump missing/x.sqlite'
+    refuses 'error: missing/x.sqlite: cannot be created: No such file or directory' '.dump missing/x.sqlite'
     # Two records of one key: the edit counter of a device that was never set up.
     "${qrysh[@]}" --db department_db '.dump fresh.sqlite'
     [ "$(ask fresh.sqlite 'SELECT count(*) FROM EDIT_CNT_TBL')" = 2 ] || fail 'fresh.sqlite differs'

@@ -2,7 +2,6 @@
 #include <langinfo.h>
 
 #include <clocale>
-#include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <system_error>
@@ -39,6 +38,8 @@ void take_switches(session &shell, const options &chosen) {
     set.strict = chosen.strict;
     set.safe_updates = chosen.safe_updates;
     set.bail = chosen.bail;
+    set.force = chosen.force;
+    set.csv_safe = chosen.csv_safe;
     set.asks = reads_terminal(chosen);
 }
 
@@ -177,7 +178,7 @@ int main(int argc, char **argv) {
         choose_letters();
         return run(argc, argv);
     } catch (const std::exception &error) {
-        static_cast<void>(std::fprintf(stderr, "error: %s\n", error.what()));
+        session::fail(error.what());
         return 1;
     }
 }

@@ -2,10 +2,13 @@
 #include "tools/qrysh/options.h"
 
 #include <filesystem>
+#include <sstream>
 #include <system_error>
 
 #include <CLI/CLI.hpp>
 #include <qrylib/version.h>
+
+#include "tools/qrysh/printing/output.h"
 
 namespace qrysh {
 
@@ -93,6 +96,8 @@ options parse_options(int argc, char **argv) {
     app.add_flag("--safe", chosen.safe, "refuse commands that touch files");
     app.add_flag("--strict", chosen.strict, "refuse statements that get a note");
     app.add_flag("--safe-updates", chosen.safe_updates, "refuse changes of every record in scripts");
+    app.add_flag("--force", chosen.force, "replace files without a word");
+    app.add_flag("--csv-safe", chosen.csv_safe, "write CSV without formulas");
     app.add_flag("--trace", chosen.trace, "print the library's trace, with causes");
     app.add_flag("--echo", chosen.echo, "print each line above its answer");
     app.set_version_flag("--version", qry_lib_version(), "print the version");
@@ -100,7 +105,11 @@ options parse_options(int argc, char **argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
-        chosen.exit_status = app.exit(error) == 0 ? 0 : 1;
+        std::ostringstream help;
+        std::ostringstream complaint;
+        chosen.exit_status = app.exit(error, help, complaint) == 0 ? 0 : 1;
+        print(help.str());
+        say(complaint.str());
     }
     chosen.scripts = in_order(app, line, file);
     take_image(chosen);

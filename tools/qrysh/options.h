@@ -30,6 +30,8 @@ struct options {
     bool safe = false;
     bool strict = false;
     bool safe_updates = false;
+    bool force = false;
+    bool csv_safe = false;
     int exit_status = -1; // 0 or above: everything has been said, for example by --help
 };
 

@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tools/text/printers.h"
+#include "tools/text/text.h"
 
 namespace qrytext {
 
@@ -12,7 +13,7 @@ std::string json_row(const std::vector<std::string> &titles, const std::vector<c
     for (std::size_t i = 0; i < titles.size(); ++i) {
         std::visit([&](const auto &value) { object[titles[i]] = value; }, row[i]);
     }
-    return object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+    return escaped_json(object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
 }
 
 } // namespace

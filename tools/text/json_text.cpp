@@ -55,7 +55,7 @@ std::optional<std::string> text_of(const json_value &value) {
 }
 
 std::string one_line(const json_value &value) {
-    return value.dump(-1, ' ', false, json_value::error_handler_t::replace);
+    return escaped_json(value.dump(-1, ' ', false, json_value::error_handler_t::replace));
 }
 
 } // namespace qrytext

@@ -18,7 +18,7 @@ json_value json_text(std::string_view text);
 // The text of a string or a {"hex"}; nothing for anything else.
 std::optional<std::string> text_of(const json_value &value);
 
-// On one line.
+// On one line, without a character that cannot be printed.
 std::string one_line(const json_value &value);
 
 } // namespace qrytext

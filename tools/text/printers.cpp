@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -105,6 +106,19 @@ std::string divided_lines(const result &answer, char divider) {
     return out;
 }
 
+// Every text among the values exchanged for what becomes of it.
+template <typename Change>
+result with_texts(result answer, Change change) {
+    for (std::vector<cell> &row : answer.rows) {
+        for (cell &value : row) {
+            if (const auto *text = std::get_if<std::string>(&value)) {
+                value = change(*text);
+            }
+        }
+    }
+    return answer;
+}
+
 std::string csv_field(std::string_view text) {
     if (text.find_first_of("\",\r\n") == std::string_view::npos) {
         return std::string(text);
@@ -148,6 +162,24 @@ std::string mode_names() {
 
 bool is_for_people(output_mode mode) {
     return row_of(mode).for_people;
+}
+
+bool is_json(output_mode mode) {
+    return mode == output_mode::json || mode == output_mode::jsonl;
+}
+
+result printable_answer(result answer) {
+    std::transform(answer.titles.begin(), answer.titles.end(), answer.titles.begin(), printable);
+    return with_texts(std::move(answer), printable);
+}
+
+result guarded_answer(result answer) {
+    return with_texts(std::move(answer), [](const std::string &text) {
+        constexpr std::string_view formula_beginnings = "=+-@\t\r";
+        const bool is_formula =
+            !text.empty() && formula_beginnings.find(text.front()) != std::string_view::npos;
+        return is_formula ? '\'' + text : text;
+    });
 }
 
 std::string format_result(output_mode mode, const result &answer, const layout &as) {

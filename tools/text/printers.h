@@ -24,6 +24,16 @@ std::string mode_names();
 // True for the modes that people read; the others are read by programs, which want nothing but the answer.
 bool is_for_people(output_mode mode);
 
+// True for the modes with escapes of their own, which hold in files as well.
+bool is_json(output_mode mode);
+
+// The answer with every text as printable() has it: what a terminal may be given in any other mode.
+result printable_answer(result answer);
+
+// The answer with a quote before every text that a spreadsheet would take for a formula: one that begins with
+// = + - @, a tab or a carriage return.
+result guarded_answer(result answer);
+
 struct layout {
     bool titles = true;      // print the columns' titles where they stand above the rows
     std::size_t columns = 0; // of the terminal on which people read it; 0: none

@@ -1,6 +1,9 @@
 // UTF-8 decoding, escapes and widths.
 #include "tools/text/text.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include <fmt/format.h>
 
 namespace qrytext {
@@ -48,10 +51,60 @@ bool is_control(char32_t code_point) {
     return code_point < 0x20 || (code_point >= 0x7F && code_point < 0xA0);
 }
 
-void append_escaped(std::string &out, std::string_view bytes) {
+struct code_range {
+    char32_t first;
+    char32_t last;
+};
+
+// Characters that show nothing of themselves: soft hyphens, joiners, marks of direction, separators of lines,
+// tags. Those that choose a character's form are none: names are written with them.
+constexpr code_range invisible_ranges[] = {
+    {0xAD, 0xAD},       {0x34F, 0x34F},    {0x61C, 0x61C},   {0x115F, 0x1160},   {0x17B4, 0x17B5},
+    {0x180E, 0x180E},   {0x200B, 0x200F},  {0x2028, 0x202E}, {0x2060, 0x206F},   {0x3164, 0x3164},
+    {0xFEFF, 0xFEFF},   {0xFFA0, 0xFFA0},  {0xFFF0, 0xFFFB}, {0x1BCA0, 0x1BCA3}, {0x1D173, 0x1D17A},
+    {0xE0000, 0xE00FF}, {0xE01F0, 0xE0FFF}};
+
+bool is_invisible(char32_t code_point) {
+    return std::any_of(
+        std::begin(invisible_ranges), std::end(invisible_ranges),
+        [=](const code_range &range) { return range.first <= code_point && code_point <= range.last; });
+}
+
+void append_bytes(std::string &out, std::string_view bytes) {
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         out += fmt::format("\\x{:02X}", byte_at(bytes, i));
     }
+}
+
+// Characters above 16 bits are two escapes in JSON.
+void append_json_escape(std::string &out, char32_t code_point) {
+    constexpr char32_t first_above = 0x10000;
+    if (code_point < first_above) {
+        out += fmt::format("\\u{:04x}", static_cast<unsigned>(code_point));
+        return;
+    }
+    const char32_t rest = code_point - first_above;
+    append_json_escape(out, 0xD800 + (rest >> 10));
+    append_json_escape(out, 0xDC00 + (rest & 0x3FF));
+}
+
+// `keeps` says of a control character whether it stays.
+template <typename Keeps>
+std::string escaped(std::string_view text, Keeps keeps) {
+    std::string out;
+    while (!text.empty()) {
+        const decoded_character character = decode_character(text);
+        const std::string_view bytes = text.substr(0, character.length);
+        if (!character.code_point || (is_control(*character.code_point) && !keeps(bytes.front()))) {
+            append_bytes(out, bytes);
+        } else if (is_invisible(*character.code_point)) {
+            out += fmt::format("\\u{{{:04X}}}", static_cast<unsigned>(*character.code_point));
+        } else {
+            out += bytes;
+        }
+        text.remove_prefix(character.length);
+    }
+    return out;
 }
 
 } // namespace
@@ -77,16 +130,24 @@ bool is_utf8(std::string_view text) {
 }
 
 std::string printable(std::string_view text) {
+    return escaped(text, [](char) { return false; });
+}
+
+std::string printable_lines(std::string_view text) {
+    return escaped(text, [](char c) { return c == '\n' || c == '\t'; });
+}
+
+std::string escaped_json(std::string_view json) {
     std::string out;
-    while (!text.empty()) {
-        const decoded_character character = decode_character(text);
-        const std::string_view bytes = text.substr(0, character.length);
-        if (!character.code_point || is_control(*character.code_point)) {
-            append_escaped(out, bytes);
+    while (!json.empty()) {
+        const decoded_character character = decode_character(json);
+        const char32_t code_point = character.code_point.value_or(0);
+        if (code_point >= 0x7F && (is_control(code_point) || is_invisible(code_point))) {
+            append_json_escape(out, code_point);
         } else {
-            out += bytes;
+            out += json.substr(0, character.length);
         }
-        text.remove_prefix(character.length);
+        json.remove_prefix(character.length);
     }
     return out;
 }

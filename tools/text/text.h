@@ -18,9 +18,16 @@ decoded_character decode_character(std::string_view text);
 
 bool is_utf8(std::string_view text);
 
-// The text with control characters and bytes that are not UTF-8 written as escapes, so that a value can
-// neither break a table's lines nor steer the terminal.
+// The text with control characters and bytes that are not UTF-8 written as \x1B, and invisible ones such as
+// those that turn the direction of writing as \u{202E}: so that a value can neither break a table's lines nor
+// steer the terminal, nor look like another.
 std::string printable(std::string_view text);
+
+// The same of a text that has lines and tabs of its own, which stay.
+std::string printable_lines(std::string_view text);
+
+// A text of JSON in which the same characters stand as JSON's escapes. They are in strings alone.
+std::string escaped_json(std::string_view json);
 
 // Terminal columns that a printable text takes.
 std::size_t text_width(std::string_view text);

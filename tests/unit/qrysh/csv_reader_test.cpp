@@ -7,8 +7,16 @@ namespace {
 
 using qrysh::csv_error;
 using qrysh::csv_field;
-using qrysh::read_csv;
 using rows = std::vector<std::vector<std::string>>;
+
+std::vector<std::vector<csv_field>> read_csv(std::string_view csv) {
+    qrysh::csv_reader reader(csv);
+    std::vector<std::vector<csv_field>> all;
+    while (auto row = reader.next()) {
+        all.push_back(std::move(*row));
+    }
+    return all;
+}
 
 rows texts(std::string_view csv) {
     rows all;
@@ -68,6 +76,26 @@ TEST(csv_reader, what_is_no_csv_is_refused_at_its_place) {
     EXPECT_EQ(fault("a\"b"), "1:2");
     EXPECT_EQ(fault("\"a\"\rb"), "1:5");
     EXPECT_EQ(fault("\"a\"\"b\""), "none");
+}
+
+std::string repeated(std::string_view piece, std::size_t times) {
+    std::string text;
+    for (std::size_t i = 0; i < times; ++i) {
+        text += piece;
+    }
+    return text;
+}
+
+// What no table takes is refused where it goes too far, not when all of it has been read.
+TEST(csv_reader, what_goes_beyond_every_table_is_refused_at_its_place) {
+    EXPECT_EQ(fault(repeated("\n", 65536)), "none");
+    EXPECT_EQ(fault(repeated("\n", 65537)), "65537:1");
+    EXPECT_EQ(fault(repeated(",", 1023)), "none");
+    EXPECT_EQ(fault("A\n" + repeated(",", 1024)), "2:1025");
+    EXPECT_EQ(fault("A\n" + repeated("x", 65536)), "none");
+    EXPECT_EQ(fault("A\n" + repeated("x", 65537)), "2:1");
+    EXPECT_EQ(fault("A,B\n1,\"" + repeated("\"\"", 65536) + '"'), "none");
+    EXPECT_EQ(fault("A,B\n1,\"" + repeated("\"\"", 65537) + '"'), "2:3");
 }
 
 } // namespace

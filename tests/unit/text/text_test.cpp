@@ -34,6 +34,21 @@ TEST(text, printable_leaves_ordinary_text_alone) {
     EXPECT_EQ(printable(""), "");
 }
 
+TEST(text, printable_shows_what_is_invisible) {
+    EXPECT_EQ(printable("a\u202Eb\u200B\uFEFF\U000E0041"), "a\\u{202E}b\\u{200B}\\u{FEFF}\\u{E0041}");
+    EXPECT_EQ(printable("葛\U000E0100"), "葛\U000E0100"); // the form that a name is written in
+    EXPECT_EQ(printable(printable("\x1B\u202E")), printable("\x1B\u202E"));
+}
+
+TEST(text, printable_lines_keep_their_ends_and_tabs) {
+    EXPECT_EQ(qrytext::printable_lines("a\tb\r\n\x1B\u202E"), "a\tb\\x0D\n\\x1B\\u{202E}");
+}
+
+TEST(text, json_keeps_its_own_escapes) {
+    EXPECT_EQ(qrytext::escaped_json("[\"\\u001b 鈴\x7F\u0085\u202E\U000E0041\"]\n"),
+              "[\"\\u001b 鈴\\u007f\\u0085\\u202e\\udb40\\udc41\"]\n");
+}
+
 TEST(text, printable_escapes_byte_by_byte) {
     EXPECT_EQ(printable("\xC2\x85"), "\\xC2\\x85");
     EXPECT_EQ(printable("a\xE3\x81"), "a\\xE3\\x81");

@@ -1,4 +1,6 @@
 // .export and .dump: answers and tables written to files of other programs' forms.
+#include <utility>
+
 #include "tools/qrysh/commands/actions.h"
 #include "tools/qrysh/commands/arguments.h"
 #include "tools/qrysh/printing/output.h"
@@ -9,6 +11,20 @@ namespace qrysh {
 
 namespace {
 
+void change_rows(std::vector<sqlite_table> &all, result (*change)(result)) {
+    for (sqlite_table &table : all) {
+        table.rows = change(std::move(table.rows));
+    }
+}
+
+outcome write_tables(session &shell, const std::string &path, const std::string &db_name,
+                     std::vector<sqlite_table> all) {
+    if (shell.options().csv_safe && is_csv(path)) {
+        change_rows(all, guarded_answer);
+    }
+    return shell.write_file(path, content_for(path, db_name, all));
+}
+
 outcome dump(session &shell, const std::vector<std::string> &names, const std::string &path) {
     const trace_log::pause quiet(shell.traces());
     std::vector<sqlite_table> all;
@@ -17,8 +33,10 @@ outcome dump(session &shell, const std::vector<std::string> &names, const std::s
         all.push_back(read_table(shell.database(), name));
     }
     if (!path.empty()) {
-        write_tables(path, shell.database(), all);
-        return outcome::done;
+        return write_tables(shell, path, shell.database(), std::move(all));
+    }
+    if (output_is_terminal()) {
+        change_rows(all, printable_answer);
     }
     present(as_statements(shell.database(), all));
     return outcome::done;
@@ -31,8 +49,7 @@ outcome export_answer(session &shell, const std::string &path) {
     if (!answer) {
         return session::fail("there is no answer yet");
     }
-    write_tables(path, "", {describe_answer(*answer)});
-    return outcome::done;
+    return write_tables(shell, path, "", {describe_answer(*answer)});
 }
 
 // A table's name has no point in it, and a file's has.

@@ -1,14 +1,9 @@
 // .import: all of a CSV file's rows, or none.
 #include <qrylib/query.h>
 
-#include <algorithm>
-#include <cerrno>
-#include <fstream>
-#include <iterator>
-#include <system_error>
-
 #include <fmt/format.h>
 
+#include "tools/files/whole_file.h"
 #include "tools/qrysh/commands/actions.h"
 #include "tools/qrysh/commands/arguments.h"
 #include "tools/qrysh/printing/output.h"
@@ -25,29 +20,12 @@ using namespace qrytext;
 
 namespace {
 
-constexpr std::size_t faults_shown = 20;
-
-std::string read_whole_file(const std::string &path) {
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    std::string text;
-    if (file) {
-        text.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+outcome report_faults(const std::string &path, const import_plan &plan) {
+    for (const import_fault &one : plan.faults) {
+        session::fail(fmt::format("{}:{}:{}: {}", path, one.place.line, one.place.column, one.sentence));
     }
-    if (!file || errno != 0) {
-        throw std::system_error(errno, std::generic_category(), path);
-    }
-    return text;
-}
-
-outcome report_faults(const std::string &path, const std::vector<import_fault> &faults) {
-    const std::size_t shown = std::min(faults.size(), faults_shown);
-    for (std::size_t i = 0; i < shown; ++i) {
-        session::fail(fmt::format("{}:{}:{}: {}", path, faults[i].place.line, faults[i].place.column,
-                                  faults[i].sentence));
-    }
-    if (faults.size() > shown) {
-        say(fmt::format("and {} more\n", faults.size() - shown));
+    if (plan.fault_num > plan.faults.size()) {
+        say(fmt::format("and {} more\n", plan.fault_num - plan.faults.size()));
     }
     say("nothing was imported\n");
     return outcome::failed;
@@ -74,16 +52,13 @@ outcome write_rows(session &shell, const std::vector<write_statement> &inserts) 
 }
 
 outcome import_into(session &shell, const std::string &path, const std::string &table) {
+    const std::string text = qryfiles::read_file(path, import_size_max);
     import_plan plan;
     {
         const trace_log::pause quiet(shell.traces());
-        try {
-            plan = plan_import(shell.database(), table, read_csv(read_whole_file(path)));
-        } catch (const csv_error &error) {
-            plan.faults.push_back({error.place(), error.what()});
-        }
+        plan = plan_import(shell.database(), table, text);
     }
-    return plan.faults.empty() ? write_rows(shell, plan.inserts) : report_faults(path, plan.faults);
+    return plan.fault_num == 0 ? write_rows(shell, plan.inserts) : report_faults(path, plan);
 }
 
 } // namespace

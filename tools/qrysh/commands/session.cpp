@@ -1,9 +1,12 @@
 // Statements run, and what is said of each.
 #include "tools/qrysh/commands/session.h"
 
+#include <utility>
+
 #include <fmt/format.h>
 
 #include "platform/host/qryhost.h"
+#include "tools/files/whole_file.h"
 #include "tools/qrysh/commands/command_table.h"
 #include "tools/qrysh/printing/output.h"
 #include "tools/text/clauses.h"
@@ -119,15 +122,41 @@ outcome session::load(const std::string &path) {
 }
 
 outcome session::save(const std::string &path) {
-    return report_host(qryhost_save(path.c_str()));
+    std::string text;
+    const auto take = [](void *context, const char *json) { *static_cast<std::string *>(context) = json; };
+    return qryhost_save_text(take, &text) == 0 ? write_file(path, text) : fail(qryhost_error());
+}
+
+bool session::may_replace(const std::string &path) const {
+    if (settings_.force || qryfiles::what_stands(path) != qryfiles::standing::file) {
+        return true;
+    }
+    if (settings_.asks) {
+        return ask(fmt::format("{} is there; type yes to replace it: ", printable(path))) == "yes";
+    }
+    say(fmt::format("{} is there and is replaced\n", path));
+    return true;
+}
+
+outcome session::write_file(const std::string &path, std::string_view content) const {
+    if (!may_replace(path)) {
+        return fail("not written");
+    }
+    qryfiles::write_file(path, content, settings_.force ? qryfiles::care::none : qryfiles::care::usual);
+    return outcome::done;
 }
 
 outcome session::check(const std::string &image_path) {
     return report_host(qryhost_check(image_path.c_str(), print_finding, nullptr));
 }
 
+result session::as_shown(const result &answer) const {
+    result shown = settings_.mode == output_mode::csv && settings_.csv_safe ? guarded_answer(answer) : answer;
+    return output_is_terminal() && !is_json(settings_.mode) ? printable_answer(std::move(shown)) : shown;
+}
+
 void session::show(const result &answer) {
-    present(format_result(settings_.mode, answer, {settings_.headers, terminal_columns()}));
+    present(format_result(settings_.mode, as_shown(answer), {settings_.headers, terminal_columns()}));
     last_answer_ = answer;
 }
 
@@ -143,7 +172,7 @@ outcome session::refuse_table(const std::string &name) const {
 }
 
 outcome session::fail(std::string_view sentence) {
-    say(complaint(sentence, error_voice()));
+    say(complaint(complaints_go_to_terminal() ? printable(sentence) : std::string(sentence), error_voice()));
     return outcome::failed;
 }
 

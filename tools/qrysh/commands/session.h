@@ -28,6 +28,8 @@ struct settings {
     bool safe = false;                   // refuse commands that touch files
     bool strict = false;                 // refuse statements that get a note
     bool safe_updates = false; // refuse DELETE, DROP and UPDATE of every record where nobody can be asked
+    bool force = false;        // replace files without asking and without a word
+    bool csv_safe = false;     // write no CSV field that a spreadsheet takes for a formula
     bool asks = false;         // somebody at a terminal can be asked
     bool bail = false;         // stop at the first error
 };
@@ -47,7 +49,14 @@ class session {
     outcome use_mode(const std::string &name);
     outcome open(const std::string &image_path); // empty: private memory, without records
     static outcome load(const std::string &path);
-    static outcome save(const std::string &path);
+    outcome save(const std::string &path);
+
+    // Whether a file that the user named may be replaced if it is there: asks, or tells where nobody can be
+    // asked.
+    bool may_replace(const std::string &path) const;
+
+    // Writes a file that the user named. Throws std::runtime_error when it cannot be written.
+    outcome write_file(const std::string &path, std::string_view content) const;
 
     const std::string &database() const { return database_; }
     // The image that is open, or what else the records are of.
@@ -80,6 +89,7 @@ class session {
     outcome complain(const std::string &sql, qrytext::statement_report report);
 
   private:
+    result as_shown(const result &answer) const;
     outcome run_when_sure(const std::string &sql);
     outcome run_at_once(const std::string &sql);
     outcome tell(const std::string &sql, const qrytext::statement_report &report);

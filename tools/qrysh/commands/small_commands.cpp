@@ -66,24 +66,34 @@ outcome open_other_device(session &shell, const std::string &order) {
     return outcome::done;
 }
 
-outcome redirect_once(session & /*shell*/, const std::string &path) {
-    redirect_answers(path, true);
+namespace {
+
+outcome redirect(const session &shell, const std::string &path, bool once) {
+    if (!shell.may_replace(path)) {
+        return session::fail("not written");
+    }
+    redirect_answers(path, once);
     return outcome::done;
 }
-outcome redirect_all(session & /*shell*/, const std::string &path) {
-    if (path.empty()) {
-        end_redirection();
-    } else {
-        redirect_answers(path, false);
+
+} // namespace
+
+outcome redirect_once(session &shell, const std::string &path) {
+    return redirect(shell, path, true);
+}
+outcome redirect_all(session &shell, const std::string &path) {
+    if (!path.empty()) {
+        return redirect(shell, path, false);
     }
+    end_redirection();
     return outcome::done;
 }
 
 outcome load(session & /*shell*/, const std::string &path) {
     return session::load(path);
 }
-outcome save(session & /*shell*/, const std::string &path) {
-    return session::save(path);
+outcome save(session &shell, const std::string &path) {
+    return shell.save(path);
 }
 
 } // namespace qrysh

@@ -19,6 +19,8 @@
 
 namespace qrysh {
 
+using namespace qrytext;
+
 namespace {
 
 // The file that stands for standard output.
@@ -77,9 +79,30 @@ qrytext::voice &errors() {
     return spoken;
 }
 
+// Printable, but for the shell's own colours.
+std::string with_colours(std::string_view text) {
+    std::string out;
+    while (!text.empty()) {
+        std::string_view colour;
+        for (const std::string_view own : {errors().fault, errors().note, errors().off}) {
+            colour = text.substr(0, own.size()) == own ? own : colour;
+        }
+        const std::size_t end = colour.empty() ? std::min(text.find('\x1B', 1), text.size()) : colour.size();
+        out += colour.empty() ? printable_lines(text.substr(0, end)) : std::string(colour);
+        text.remove_prefix(end);
+    }
+    return out;
+}
+
+// With whatever steers the terminal.
+void say_raw(std::string_view text) {
+    static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
+}
+
 } // namespace
 
-void print(std::string_view text) {
+void print(std::string_view raw) {
+    const std::string text = output_is_terminal() ? printable_lines(raw) : std::string(raw);
     answer_target &to = target();
     FILE *const stream = to.file == nullptr ? stdout : to.file;
     to.written = true;
@@ -120,13 +143,13 @@ std::string answer_file() {
 }
 
 void say(std::string_view text) {
-    static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
+    say_raw(complaints_go_to_terminal() ? with_colours(text) : std::string(text));
 }
 
 void present(const std::string &text) {
     const char *const pager = std::getenv("PAGER");
     const bool paged = pager != nullptr && *pager != '\0' && output_is_terminal() && is_long(text);
-    if (!paged || !page(pager, text)) {
+    if (!paged || !page(pager, printable_lines(text))) {
         print(text);
     }
 }
@@ -167,6 +190,10 @@ bool output_is_terminal() {
     return target().file == nullptr && isatty(STDOUT_FILENO) != 0;
 }
 
+bool complaints_go_to_terminal() {
+    return isatty(STDERR_FILENO) != 0;
+}
+
 bool input_is_terminal() {
     return isatty(STDIN_FILENO) != 0;
 }
@@ -179,11 +206,11 @@ std::string ask(std::string_view question) {
 }
 
 progress::progress(std::string_view what, std::size_t total)
-    : what_(what), total_(total), shown_(isatty(STDERR_FILENO) != 0) {}
+    : what_(what), total_(total), shown_(complaints_go_to_terminal()) {}
 
 progress::~progress() {
     if (shown_) {
-        say("\r\x1B[K");
+        say_raw("\r\x1B[K");
     }
 }
 
@@ -191,7 +218,7 @@ void progress::advance() {
     ++done_;
     constexpr std::size_t steps = 100;
     if (shown_ && done_ % std::max<std::size_t>(total_ / steps, 1) == 0) {
-        say(fmt::format("\r{} {}/{}", what_, done_, total_));
+        say_raw(fmt::format("\r{} {}/{}", what_, done_, total_));
     }
 }
 

@@ -1,4 +1,5 @@
-// The shell's two streams, and the file that may stand for the first.
+// The shell's two streams, and the file that may stand for the first. To a terminal nothing goes that cannot
+// be printed: it is written as an escape. Files and pipes get the bytes as they are.
 #pragma once
 
 #include <cstddef>
@@ -47,6 +48,7 @@ std::string in_columns(const std::vector<std::string> &words, std::size_t width)
 
 // Whether answers go to a terminal.
 bool output_is_terminal();
+bool complaints_go_to_terminal();
 bool input_is_terminal();
 
 // A line typed in answer to a question on standard error; empty at the end of standard input.

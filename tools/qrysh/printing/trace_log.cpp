@@ -1,12 +1,12 @@
 // The trace sink of the shell.
 #include "tools/qrysh/printing/trace_log.h"
 
-#include <cstdio>
 #include <cstdlib>
 
 #include <fmt/format.h>
 
 #include "platform/host/qryhost.h"
+#include "tools/qrysh/printing/output.h"
 #include "tools/text/trace_explainer.h"
 
 namespace qrysh {
@@ -41,7 +41,7 @@ void trace_log::receive(void *context, std::uint32_t /*destination*/, std::uint3
                         std::uint32_t /*level*/, const char *text) {
     auto &log = *static_cast<trace_log *>(context);
     if (log.keep(text) && log.printing_) {
-        fmt::print(stderr, "{}\n", explain_trace(text));
+        say(fmt::format("{}\n", explain_trace(text)));
     }
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -30,7 +31,32 @@ class csv_error : public std::runtime_error {
     file_place place_;
 };
 
-// Rows end in CR LF or LF; the last one need not. A byte-order mark is skipped. Throws csv_error.
-std::vector<std::vector<csv_field>> read_csv(std::string_view text);
+// Reads one row after the other; the text must live as long. Rows end in CR LF or LF; the last one need not.
+// A byte-order mark is skipped.
+class csv_reader {
+  public:
+    explicit csv_reader(std::string_view text);
+
+    // Nothing behind the last row. Throws csv_error, also beyond the limits: what no table of any device
+    // takes.
+    std::optional<std::vector<csv_field>> next();
+
+  private:
+    csv_field field();
+    std::string plain();
+    std::string quoted(file_place begin);
+    static void add(std::string &value, char c, file_place begin);
+
+    bool at_end() const { return position_ == text_.size(); }
+    bool at_line_end() const;
+    bool take_line_end();
+    bool take(char wanted);
+    char advance();
+
+    std::string_view text_;
+    std::size_t position_ = 0;
+    std::size_t row_num_ = 0;
+    file_place place_{1, 1};
+};
 
 } // namespace qrysh

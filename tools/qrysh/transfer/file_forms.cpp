@@ -7,7 +7,6 @@
 
 #include <fmt/format.h>
 
-#include "tools/qrysh/transfer/file_writer.h"
 #include "tools/text/code_text.h"
 #include "tools/text/engine.h"
 #include "tools/text/filter_key_text.h"
@@ -55,11 +54,11 @@ std::string as_statements(const std::string &db_name, const tables &all) {
 
 namespace {
 
-std::string only_table(const tables &all, std::string (*format)(const result &)) {
+const result &only_table(const tables &all) {
     if (all.size() != 1) {
         throw std::runtime_error("a file of this form holds one table: .dump TABLE FILE");
     }
-    return format(all.front().rows);
+    return all.front().rows;
 }
 
 // One table is its array; several are members of an object.
@@ -78,35 +77,43 @@ std::string as_json(const tables &all) {
 
 struct file_form {
     std::string_view ending;
-    std::string (*format)(const std::string &db_name, const tables &all); // null: a SQLite database
+    std::string (*format)(const std::string &db_name, const tables &all);
 };
 
+std::string as_database(const std::string & /*db_name*/, const tables &all) {
+    return sqlite_file(all);
+}
+
 constexpr file_form forms[] = {
-    {".csv", [](const std::string &, const tables &all) { return only_table(all, format_csv); }},
+    {".csv", [](const std::string &, const tables &all) { return format_csv(only_table(all)); }},
     {".json", [](const std::string &, const tables &all) { return as_json(all); }},
-    {".jsonl", [](const std::string &, const tables &all) { return only_table(all, format_jsonl); }},
-    {".md", [](const std::string &, const tables &all) { return only_table(all, format_markdown); }},
+    {".jsonl", [](const std::string &, const tables &all) { return format_jsonl(only_table(all)); }},
+    {".md", [](const std::string &, const tables &all) { return format_markdown(only_table(all)); }},
     {".sql", as_statements},
-    {".sqlite", nullptr},
-    {".db", nullptr},
+    {".sqlite", as_database},
+    {".db", as_database},
 };
+
+std::string ending_of(const std::string &path) {
+    const std::size_t point = path.rfind('.');
+    return point == std::string::npos ? "" : path.substr(point);
+}
 
 } // namespace
 
-void write_tables(const std::string &path, const std::string &db_name, const tables &all) {
-    const std::size_t point = path.rfind('.');
-    const std::string ending = point == std::string::npos ? "" : path.substr(point);
+bool is_csv(const std::string &path) {
+    return ending_of(path) == ".csv";
+}
+
+std::string content_for(const std::string &path, const std::string &db_name, const tables &all) {
+    const std::string ending = ending_of(path);
     const auto *form = std::find_if(std::begin(forms), std::end(forms),
                                     [&](const file_form &f) { return f.ending == ending; });
     if (form == std::end(forms)) {
         throw std::runtime_error(fmt::format(
             "{}: the ending must be .csv, .json, .jsonl, .md, .sql, .sqlite or .db", printable(path)));
     }
-    if (form->format == nullptr) {
-        write_sqlite(path, all);
-    } else {
-        write_file(path, form->format(db_name, all));
-    }
+    return form->format(db_name, all);
 }
 
 // Every record in use with every column. Throws when the table cannot be read.

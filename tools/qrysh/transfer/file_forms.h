@@ -17,8 +17,11 @@ sqlite_table describe_answer(const qrytext::result &answer);
 // Statements that this shell reads. `db_name` is empty for an answer, which need not be a table's records.
 std::string as_statements(const std::string &db_name, const std::vector<sqlite_table> &all);
 
-// Writes a file of the form that its ending asks for. Throws std::runtime_error when it cannot be written, or
-// when no form has that ending.
-void write_tables(const std::string &path, const std::string &db_name, const std::vector<sqlite_table> &all);
+bool is_csv(const std::string &path);
+
+// The content of a file of the form that its name's ending asks for. Throws std::runtime_error when no form
+// has that ending.
+std::string content_for(const std::string &path, const std::string &db_name,
+                        const std::vector<sqlite_table> &all);
 
 } // namespace qrysh

@@ -38,26 +38,40 @@ class planner {
         }
     }
 
-    import_plan plan(const std::vector<std::vector<csv_field>> &rows) {
-        if (rows.empty()) {
-            fault({1, 1}, "expected a line that names columns");
-            return std::move(plan_);
+    import_plan plan(std::string_view text) {
+        csv_reader file(text);
+        try {
+            read(file);
+        } catch (const csv_error &error) {
+            fault(error.place(), error.what());
         }
-        read_header(rows.front());
-        if (!plan_.faults.empty()) {
-            return std::move(plan_);
-        }
-        read_existing_keys();
-        for (auto row = rows.begin() + 1; row != rows.end(); ++row) {
-            read_row(*row);
-        }
-        check_room(rows.back().front().place);
         return std::move(plan_);
     }
 
   private:
+    void read(csv_reader &file) {
+        const auto header = file.next();
+        if (!header) {
+            fault({1, 1}, "expected a line that names columns");
+            return;
+        }
+        read_header(*header);
+        if (plan_.fault_num != 0) {
+            return;
+        }
+        read_existing_keys();
+        file_place last = header->front().place;
+        while (const auto row = file.next()) {
+            read_row(*row);
+            last = row->front().place;
+        }
+        check_room(last);
+    }
+
     void fault(file_place place, std::string sentence) {
-        plan_.faults.push_back({place, std::move(sentence)});
+        if (plan_.fault_num++ < faults_kept) {
+            plan_.faults.push_back({place, std::move(sentence)});
+        }
     }
 
     void read_header(const std::vector<csv_field> &header) {
@@ -106,15 +120,17 @@ class planner {
             fault(row.back().place, fmt::format("expected {} fields, not {}", columns_.size(), row.size()));
             return;
         }
-        const std::size_t faults_before = plan_.faults.size();
+        const std::size_t faults_before = plan_.fault_num;
         write_statement insert{true, table_, {}, ""};
         for (std::size_t i = 0; i < row.size(); ++i) {
             insert.values.push_back({columns_[i].name, read_value(columns_[i], row[i])});
         }
-        if (plan_.faults.size() == faults_before) {
+        if (plan_.fault_num == faults_before) {
             check_key(insert, row);
         }
-        plan_.inserts.push_back(std::move(insert));
+        if (plan_.fault_num == 0) {
+            plan_.inserts.push_back(std::move(insert));
+        }
     }
 
     cell read_value(const column &c, const csv_field &field) {
@@ -170,7 +186,7 @@ class planner {
     void check_room(file_place end) {
         const std::int64_t room =
             table_capacity(db_name_, table_) - static_cast<std::int64_t>(existing_.size());
-        if (plan_.faults.empty() && new_records_ > room) {
+        if (plan_.fault_num == 0 && new_records_ > room) {
             fault(end, fmt::format("{} has room for {} new records, the file holds {}", table_, room,
                                    new_records_));
         }
@@ -189,9 +205,8 @@ class planner {
 
 } // namespace
 
-import_plan plan_import(const std::string &db_name, const std::string &table,
-                        const std::vector<std::vector<csv_field>> &rows) {
-    return planner(db_name, table).plan(rows);
+import_plan plan_import(const std::string &db_name, const std::string &table, std::string_view text) {
+    return planner(db_name, table).plan(text);
 }
 
 } // namespace qrysh

@@ -1,4 +1,4 @@
-// Tables and rows through libsqlite3, in one transaction.
+// Tables and rows through libsqlite3, in memory: the file is written like any other.
 #include "tools/qrysh/transfer/sqlite_export.h"
 
 #include <sqlite3.h>
@@ -8,7 +8,7 @@
 #include <set>
 #include <stdexcept>
 
-#include "tools/qrysh/transfer/file_writer.h"
+#include "tools/files/whole_file.h"
 
 namespace qrysh {
 
@@ -109,23 +109,30 @@ void write_table(sqlite3 *database, const sqlite_table &table) {
     }
 }
 
-void write_tables(const std::string &path, const std::vector<sqlite_table> &tables) {
-    sqlite3 *opened = nullptr;
-    const bool is_open = sqlite3_open(path.c_str(), &opened) == SQLITE_OK;
-    const database_pointer database(opened);
-    require(is_open, opened);
-    // A file that is not finished is not kept, so that nothing need be undone or synced on the way.
-    run(opened, "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; BEGIN");
-    for (const sqlite_table &table : tables) {
-        write_table(opened, table);
-    }
-    run(opened, "COMMIT");
+struct memory_freer {
+    void operator()(unsigned char *bytes) const { sqlite3_free(bytes); }
+};
+
+std::string bytes_of(sqlite3 *database) {
+    sqlite3_int64 size = 0;
+    const std::unique_ptr<unsigned char, memory_freer> bytes(sqlite3_serialize(database, "main", &size, 0));
+    require(bytes != nullptr, database);
+    return {reinterpret_cast<const char *>(bytes.get()), static_cast<std::size_t>(size)};
 }
 
 } // namespace
 
-void write_sqlite(const std::string &path, const std::vector<sqlite_table> &tables) {
-    replace_file(path, [&](const std::string &temporary) { write_tables(temporary, tables); });
+std::string sqlite_file(const std::vector<sqlite_table> &tables) {
+    sqlite3 *opened = nullptr;
+    const bool is_open = sqlite3_open(":memory:", &opened) == SQLITE_OK;
+    const database_pointer database(opened);
+    require(is_open, opened);
+    run(opened, "PRAGMA application_id = " + std::to_string(qryfiles::database_mark) + "; BEGIN");
+    for (const sqlite_table &table : tables) {
+        write_table(opened, table);
+    }
+    run(opened, "COMMIT");
+    return bytes_of(opened);
 }
 
 } // namespace qrysh

@@ -17,8 +17,8 @@ struct sqlite_table {
     std::vector<std::string> keys; // titles; may be empty
 };
 
-// Replaces the file. Throws std::runtime_error when it cannot be written, or when the shell was built without
-// SQLite.
-void write_sqlite(const std::string &path, const std::vector<sqlite_table> &tables);
+// The bytes of the file, which carries the mark of ours. Throws std::runtime_error when SQLite fails, or when
+// the shell was built without it.
+std::string sqlite_file(const std::vector<sqlite_table> &tables);
 
 } // namespace qrysh

@@ -5,7 +5,7 @@
 
 namespace qrysh {
 
-void write_sqlite(const std::string & /*path*/, const std::vector<sqlite_table> & /*tables*/) {
+std::string sqlite_file(const std::vector<sqlite_table> & /*tables*/) {
     throw std::runtime_error("this shell was built without SQLite; .csv, .json and .sql are there");
 }
 
