@@ -32,8 +32,8 @@ constexpr command commands[] = {
     {".fault", argument::required, touches::nothing, ".fault ...", "make platform calls fail",
      ".fault CALL SKIP TIMES CODE  lets SKIP calls through, fails the next TIMES\n"
      ".fault off                   ends it\n"
-     ".fault sweep SQL             runs SQL with each of its calls failed in turn; the\n"
-     "                             records are put back after each run\n"
+     ".fault sweep SQL             runs SQL with each of its calls failed in turn, on\n"
+     "                             a copy of the records\n"
      "CALL is a name as .timer prints it, such as alloc or get_table. CODE may be\n"
      "hexadecimal (0x5241).\n"},
     {".headers", argument::required, touches::nothing, ".headers on|off",

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <new>
 #include <numeric>
+#include <sstream>
 
 #include <fmt/format.h>
 
@@ -12,7 +13,7 @@
 #include "tools/qrysh/commands/arguments.h"
 #include "tools/qrysh/printing/output.h"
 #include "tools/qrysh/prompt/interrupt.h"
-#include "tools/qrysh/transfer/kept_records.h"
+#include "tools/qrysh/transfer/private_copy.h"
 #include "tools/text/engine.h"
 #include "tools/text/meter.h"
 #include "tools/text/near_match.h"
@@ -101,48 +102,59 @@ sweep_row run_failed(session &shell, const std::string &sql, qryhost_call call, 
             trace_chain(shell.traces().lines())};
 }
 
-void add_rows(const char *call, const std::vector<sweep_row> &rows, result &list) {
-    for (const sweep_row &row : rows) {
-        list.rows.push_back({call, std::int64_t{row.first}, std::int64_t{row.last},
-                             fmt::format("0x{:04X}", row.code), std::string(qrylib::code_name(row.code)),
-                             row.blocks_left, row.traces});
-    }
-}
-
-// Fails every call of a statement in turn.
+// Fails every call of a statement in turn, on records that are put back after each run.
 class sweeper {
   public:
-    sweeper(session &shell, const std::string &sql)
-        : shell_(shell), sql_(sql), records_(kind_of(sql) != statement_kind::select),
-          printed_(shell.traces().is_printing()) {
+    sweeper(session &shell, const std::string &sql, const put_back &records)
+        : shell_(shell), sql_(sql), changes_(kind_of(sql) != statement_kind::select), put_back_(records) {
         shell_.traces().set_printing(false);
     }
-    ~sweeper() { shell_.traces().set_printing(printed_); }
-    sweeper(const sweeper &) = delete;
-    sweeper &operator=(const sweeper &) = delete;
 
-    // False when Ctrl-C came first.
-    bool run(result &list) {
+    // Ends early when Ctrl-C comes.
+    std::string run() {
         qryhost_fail_clear();
         const meter cost;
         run_once(shell_.database(), sql_);
         const call_counts calls = cost.spent().calls;
-        records_.put_back();
+        restore();
         progress shown("calls failed", std::accumulate(calls.begin(), calls.end(), std::size_t{0}));
+        std::string out;
         for (int i = 0; i < QRYHOST_CALL_NUM && !stopped_; ++i) {
             const auto call = static_cast<qryhost_call>(i);
-            add_rows(call_name(call), sweep_call(call, calls[call], shown), list);
+            for (const sweep_row &row : sweep_call(call, calls[call], shown)) {
+                out += fmt::format("{} {} {} {} {} {}\n", i, row.first, row.last, row.code, row.blocks_left,
+                                   row.traces);
+            }
         }
-        return !stopped_;
+        return (stopped_ ? stopped_word : complete_word) + ('\n' + out);
+    }
+
+    // What run() answered, as a table. False when Ctrl-C came first.
+    static bool read(const std::string &answer, result &list) {
+        std::istringstream lines(answer);
+        std::string word;
+        std::getline(lines, word);
+        int call = 0;
+        sweep_row row{};
+        while (lines >> call >> row.first >> row.last >> row.code >> row.blocks_left && lines.get() &&
+               std::getline(lines, row.traces)) {
+            list.rows.push_back({call_name(static_cast<qryhost_call>(call)), std::int64_t{row.first},
+                                 std::int64_t{row.last}, fmt::format("0x{:04X}", row.code),
+                                 std::string(qrylib::code_name(row.code)), row.blocks_left, row.traces});
+        }
+        return word == complete_word;
     }
 
   private:
+    static constexpr const char *complete_word = "complete";
+    static constexpr const char *stopped_word = "stopped";
+
     // Runs that come to the same are one row.
     std::vector<sweep_row> sweep_call(qryhost_call call, std::uint32_t call_num, progress &shown) {
         std::vector<sweep_row> rows;
         for (std::uint32_t skip = 0; skip < call_num && !stopped_; ++skip) {
             sweep_row row = run_failed(shell_, sql_, call, skip);
-            records_.put_back();
+            restore();
             shown.advance();
             if (!rows.empty() && rows.back().is_like(row)) {
                 rows.back().last = skip;
@@ -154,24 +166,29 @@ class sweeper {
         return rows;
     }
 
+    void restore() const {
+        if (changes_) {
+            put_back_();
+        }
+    }
+
     session &shell_;
     std::string sql_;
-    kept_records records_;
-    bool printed_;
+    bool changes_;
+    const put_back &put_back_;
     bool stopped_ = false;
 };
 
 outcome sweep(session &shell, const std::string &sql) {
-    const statement_kind kind = kind_of(sql);
-    if (kind != statement_kind::select && (shell.options().readonly || shell.options().safe)) {
-        return session::fail("a sweep of a change needs a shell without --readonly and --safe");
-    }
     const statement_report seen = check_statement(shell.database(), sql, {}, shell.traces());
     if (!seen.ok && !seen.reached_library) { // complains now, not once for every run
         return shell.complain(sql, seen);
     }
     result list{{"CALL", "FROM", "TO", "CODE", "NAME", "BLOCKS LEFT", "TRACES"}, {}};
-    const bool complete = sweeper(shell, sql).run(list);
+    qryhost_fail_clear();
+    const bool complete = sweeper::read(
+        on_private_copy([&](const put_back &records) { return sweeper(shell, sql, records).run(); }), list);
+    take_interrupt(); // the trial has taken it
     shell.show(list);
     return complete ? outcome::done : session::fail("the sweep was stopped");
 }
