@@ -61,7 +61,7 @@ void take_key(payload_reader &payload, qry_lib_tb_list_filter_key_ &key) {
         return;
     }
     const std::string_view text = payload.take_bytes();
-    std::memcpy(key.value, text.data(), std::min<std::size_t>(text.size(), sizeof key.value - 1));
+    std::copy_n(text.begin(), std::min<std::size_t>(text.size(), sizeof key.value - 1), key.value);
 }
 
 } // namespace
@@ -334,7 +334,7 @@ player::action player::prepare_element(const recorded_call &call, std::string &)
     std::uint32_t size = 0;
     if (writes) {
         const std::string_view bytes = given.take_bytes();
-        std::memcpy(value->bytes, bytes.data(), std::min(bytes.size(), sizeof value->bytes));
+        std::copy_n(bytes.begin(), std::min(bytes.size(), sizeof value->bytes), value->bytes);
     } else {
         size = std::min<std::uint32_t>(given.take32(), sizeof value->bytes);
     }
