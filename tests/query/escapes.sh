@@ -11,7 +11,7 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cd "$scratch"
-export LC_ALL=C.UTF-8
+export LC_ALL=C.UTF-8 NO_COLOR=1
 failures=0
 
 fail() {
