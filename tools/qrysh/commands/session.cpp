@@ -32,10 +32,6 @@ outcome report_host(int result) {
     return result == 0 ? outcome::done : session::fail(qryhost_error());
 }
 
-bool is_json(output_mode mode) {
-    return mode == output_mode::json || mode == output_mode::jsonl;
-}
-
 } // namespace
 
 outcome session::run_statement(const std::string &sql) {
