@@ -19,5 +19,5 @@ cmake --build "$scratch" --target qrylib >/dev/null
 needed=$(basename "$platform" | grep -oE '^[^.]*\.so\.[0-9]+')
 grep -q "NEEDED.*\[$needed\]" <<<"$(readelf -d "$scratch/src/libqrylib.so.1")"
 
-"$source/tests/docs/run_program.sh" "$source/README.md" "$source/tests/docs/readme_program.out" "${program[@]}" \
+"$source/tests/docs/run_program.sh" "$source/README.md" "$source/examples/people.c" "${program[@]}" \
     "$source/include" "$scratch/src/libqrylib.so" "$platform" "${emulator[@]}"

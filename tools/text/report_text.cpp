@@ -61,7 +61,7 @@ std::string describe_fault(const statement_report &report) {
                        report.notes.empty() ? "" : ": a note stands against it");
 }
 
-std::string point_in_colour(const std::string &sql, finding place, const voice &spoken) {
+std::string point_in_colour(const std::string &sql, const finding &place, const voice &spoken) {
     const std::string lines = point_at(sql, place);
     const std::size_t caret = lines.find('\n') + 1;
     return fmt::format("{}{}{}{}\n", lines.substr(0, caret), spoken.fault,

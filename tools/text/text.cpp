@@ -134,7 +134,14 @@ std::string printable(std::string_view text) {
 }
 
 std::string printable_lines(std::string_view text) {
-    return escaped(text, [](char c) { return c == '\n' || c == '\t'; });
+    constexpr std::string_view line_end = "\r\n";
+    const auto is_kept = [](char c) { return c == '\n' || c == '\t'; };
+    std::string out;
+    for (std::size_t end = text.find(line_end); end != std::string_view::npos; end = text.find(line_end)) {
+        out.append(escaped(text.substr(0, end), is_kept)).append(line_end);
+        text.remove_prefix(end + line_end.size());
+    }
+    return out + escaped(text, is_kept);
 }
 
 std::string escaped_json(std::string_view json) {

@@ -23,7 +23,7 @@ bool is_utf8(std::string_view text);
 // steer the terminal, nor look like another.
 std::string printable(std::string_view text);
 
-// The same of a text that has lines and tabs of its own, which stay.
+// The same of a text that has lines, ended either way, and tabs of its own, which stay.
 std::string printable_lines(std::string_view text);
 
 // A text of JSON in which the same characters stand as JSON's escapes. They are in strings alone.

@@ -26,6 +26,15 @@ constexpr const char *mark_no_pastes = "\x1B[?2004l";
 constexpr const char *paste_begins = "\\e[200~";
 constexpr std::wstring_view paste_ends = L"\x1B[201~";
 
+// At once: what is asked next goes to another stream.
+void tell_terminal(const char *order) {
+    const char *const kind = std::getenv("TERM");
+    if (kind != nullptr && std::string_view(kind) != "dumb") {
+        static_cast<void>(std::fputs(order, stdout));
+        static_cast<void>(std::fflush(stdout));
+    }
+}
+
 struct editor_closer {
     void operator()(EditLine *editor) const { el_end(editor); }
 };
@@ -84,10 +93,10 @@ class libedit_prompt : public line_source {
             }
             int length = 0;
             take_interrupt(); // one that came before, while an answer was shown, is not this line's
-            static_cast<void>(std::fputs(mark_pastes, stdout));
+            tell_terminal(mark_pastes);
             const char *const typed = el_gets(editor_.get(), &length);
             const bool interrupted = take_interrupt();
-            static_cast<void>(std::fputs(mark_no_pastes, stdout));
+            tell_terminal(mark_no_pastes);
             if (!interrupted && typed != nullptr && length > 0) {
                 return keep(std::string(typed, static_cast<std::size_t>(length)));
             }
