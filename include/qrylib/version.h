@@ -18,7 +18,7 @@ extern "C" {
 /**
  * Tells the library's version.
  *
- * @return major, minor and patch number: "1.3.0"
+ * @return major, minor and patch number: "1.4.0"
  */
 QRY_LIB_API const char *qry_lib_version(void);
 

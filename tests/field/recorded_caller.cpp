@@ -132,6 +132,10 @@ void run_mix() {
 }
 
 void run_threads() {
+    // The mutex of the handles is there before the threads are: a replay, which runs call by call, could not
+    // show two threads that both come upon the process's first.
+    dsql_db_handle_add();
+    dsql_db_handle_delete();
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back(run_mix);

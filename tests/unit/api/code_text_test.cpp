@@ -28,7 +28,7 @@ constexpr std::uint32_t all_codes[] = {QRY_LIB_OK,
                                        QRY_LIB_FAILURE};
 
 TEST(code_text, the_version_is_that_of_the_interface) {
-    EXPECT_STREQ(qry_lib_version(), "1.3.0");
+    EXPECT_STREQ(qry_lib_version(), "1.4.0");
 }
 
 TEST(code_text, every_code_has_a_sentence_of_its_own) {
