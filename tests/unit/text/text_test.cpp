@@ -41,7 +41,8 @@ TEST(text, printable_shows_what_is_invisible) {
 }
 
 TEST(text, printable_lines_keep_their_ends_and_tabs) {
-    EXPECT_EQ(qrytext::printable_lines("a\tb\r\n\x1B\u202E"), "a\tb\\x0D\n\\x1B\\u{202E}");
+    EXPECT_EQ(qrytext::printable_lines("a\tb\nc\r\n\r\n\x1B\u202E"), "a\tb\nc\r\n\r\n\\x1B\\u{202E}");
+    EXPECT_EQ(qrytext::printable_lines("a\rb\r"), "a\\x0Db\\x0D");
 }
 
 TEST(text, json_keeps_its_own_escapes) {
